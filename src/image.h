@@ -1,0 +1,56 @@
+// image.h - uncompressed TGA files: load, convert, save under numbered names, grab the screen.
+// Pixel rows keep the order of the file (bottom row first for the usual origin), so a buffer can be
+// handed to OpenGL as it is; colours are red, green, blue (alpha) in memory.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+struct TgaImage
+{
+    int32_t status;     // 1 usable; otherwise one of the negative codes below
+    uint8_t imageType;  // 2 true-colour, 3 greyscale
+    uint8_t pixelDepth; // bits per pixel
+    int16_t width;      // pixels per row
+    int16_t height;     // rows
+    uint8_t *imageData; // width * height * bytes per pixel; owned; null until it is allocated
+};
+
+constexpr int32_t TGA_OK = 1;
+constexpr int32_t TGA_ERROR_TYPE = -1;       // neither true-colour nor grey, or run-length encoded
+constexpr int32_t TGA_ERROR_MEMORY = -2;     // no pixel buffer of that size can be had
+constexpr int32_t TGA_ERROR_COLOUR_MAP = -3; // colour-mapped
+constexpr int32_t TGA_ERROR_READ = -4;       // read error, or fewer bytes than the header announces
+constexpr int32_t TGA_ERROR_OPEN = -5;       // no such file, or it cannot be created
+
+extern int savedImages; // the number that the next numbered file carries; only grows
+
+// Queries
+int tgaBytesPerPixel(const TgaImage *image);
+// 1 when the image loaded, has pixels and holds at least three bytes for each, as an upload of RGB
+// pixels needs; else 0. Accepts null.
+int tgaIsRGB(const TgaImage *image);
+
+// Loading. tgaLoad returns a record whatever the outcome, to be tested by its status and released
+// with tgaDestroy; null only when the record itself cannot be allocated.
+TgaImage *tgaLoad(const char *path);
+void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; unread fields keep their value
+void tgaLoadImageData(FILE *stream, TgaImage *image); // fills imageData, which must be allocated
+void tgaDestroy(TgaImage *image);                     // accepts null
+
+// Conversions in place. An image that has too few bytes per pixel, no pixels, or for which no
+// memory is left stays as it was; pixelDepth (8 and 32 afterwards) tells.
+void tgaRGBtoGreyscale(TgaImage *image);  // 0.3 r + 0.59 g + 0.11 b, truncated
+void tgaRGBTransparency(TgaImage *image); // pure magenta turns transparent black, the rest opaque
+
+// Saving. depth is in bits per pixel. Returns 1, and has then released pixels (a malloc buffer), or
+// TGA_ERROR_OPEN with the buffer left to the caller.
+int tgaSave(const char *path, int16_t width, int16_t height, uint8_t depth, uint8_t *pixels);
+// The same under "<prefix><number>.tga"; a failed save does not use up a number.
+int tgaSaveSeries(const char *prefix, int16_t width, int16_t height, uint8_t depth,
+                  uint8_t *pixels);
+// Saves the rectangle from (x0, y0) up to (x1, y1) of the read buffer, origin at the bottom left,
+// as a 32-bit image; call it between the last drawing command and the swap. Returns what
+// tgaSaveSeries does, or TGA_ERROR_MEMORY for a rectangle that is empty, too large for a TGA file
+// or for memory.
+int tgaGrabScreenSeries(const char *prefix, int x0, int y0, int x1, int y1);

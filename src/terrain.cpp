@@ -1,0 +1,504 @@
+#include "terrain.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+constexpr float SAMPLE_SPACING = 25.0f;
+constexpr float INVERSE_SPACING = 0.04f;
+constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 256
+constexpr double GREY_LEVELS = 256.0;
+constexpr double SMOOTHING = 0.5; // share that a sample keeps of its own height
+constexpr int SMOOTHING_SWEEPS = 3;
+constexpr double TEXTURE_STEP = 0.05;    // texture repeats a sample: one picture in 20 samples
+constexpr int DIRTY_REACH = 5;           // samples; blocks this near to a change are rebuilt too
+constexpr float DENT_THRESHOLD = -50.0f; // a corner falling slower than this leaves no dent
+constexpr float STRONGEST_DEFORMATION = 20.0f;
+
+// ---- life cycle ---------------------------------------------------------------------------------
+
+static int fail(const char *line)
+{
+    fputs(line, stderr);
+    return 0;
+}
+
+template <typename Sample> static void freeColumns(Sample **columns, int count)
+{
+    for (int i = 0; columns && i < count; ++i)
+        free(columns[i]);
+}
+
+template <typename Sample> static Sample **allocateColumns(int columns, int rows)
+{
+    Sample **array = static_cast<Sample **>(calloc(columns, sizeof(Sample *)));
+    for (int i = 0; array && i < columns; ++i)
+        array[i] = static_cast<Sample *>(calloc(rows, sizeof(Sample)));
+    return array;
+}
+
+template <typename Sample> static bool isWhole(Sample **columns, int count)
+{
+    return columns && std::all_of(columns, columns + count, [](Sample *c) { return c != nullptr; });
+}
+
+static int allocateSamples(Terrain *terrain)
+{
+    fputs("Allocating memory for Terrain...\n", stderr);
+    terrain->map = allocateColumns<float>(terrain->width, terrain->height);
+    terrain->normals = allocateColumns<Vector>(terrain->width, terrain->height);
+    terrain->colours = allocateColumns<Colour>(terrain->width, terrain->height);
+    if (!isWhole(terrain->map, terrain->width))
+        return fail("   ...map array not initialised\n");
+    if (!isWhole(terrain->normals, terrain->width))
+        return fail("   ...normals array not initialised\n");
+    if (!isWhole(terrain->colours, terrain->width))
+        return fail("   ...colours array not initialised\n");
+    fputs("   ...done\n", stderr);
+    return 1;
+}
+
+// Checks the two maps against each other and against what the mapping of pixels to samples needs.
+static int acceptMaps(TgaImage *heights, const TgaImage *colours)
+{
+    if (!heights || heights->status != TGA_OK || !colours || colours->status != TGA_OK)
+        return fail("   ...couldn't load TGA\n");
+    if (heights->width != colours->width || heights->height != colours->height)
+        return fail("   ...Height image is different size than texture image\n");
+    if (tgaBytesPerPixel(heights) == 3)
+        tgaRGBtoGreyscale(heights);
+    if (tgaBytesPerPixel(colours) != 4)
+        fprintf(stderr, "   ...Texture Image is not of correct format: %d\n",
+                tgaBytesPerPixel(colours));
+    if (heights->width != heights->height)
+        return fail("   ...Height image is not square\n");
+    if (heights->width < BLOCK_SIDE)
+        return fail("   ...Height image is too small\n");
+    const int heightBytes = tgaBytesPerPixel(heights);
+    if (heightBytes == 0 || heightBytes == 3) // 3: there was no memory to turn it to grey
+    {
+        fprintf(stderr, "   ...Height image is not of correct format: %d\n", heightBytes);
+        return 0;
+    }
+    if (tgaBytesPerPixel(colours) < 3)
+        return 0; // its line stands above
+    fputs("   ...done\n", stderr);
+    return 1;
+}
+
+static void setSize(Terrain *terrain, const TgaImage *heights)
+{
+    fputs("Setting Terrain width and height...\n", stderr);
+    terrain->width = heights->width;
+    terrain->height = heights->height;
+    fprintf(stderr, "   ...done.  Width: %d, height: %d\n", terrain->width, terrain->height);
+    terrain->worldWidth = static_cast<float>(terrain->width) * terrain->scale;
+    terrain->worldDepth = static_cast<float>(terrain->height) * terrain->scale;
+}
+
+// Rows of the images run along x and their columns along z.
+static void constructSamples(Terrain *terrain, const TgaImage *heights, const TgaImage *colours)
+{
+    fputs("Constructing map heights\n", stderr);
+    const int heightBytes = tgaBytesPerPixel(heights);
+    const int colourBytes = tgaBytesPerPixel(colours);
+    for (int x = 0; x < terrain->width; ++x)
+        for (int z = 0; z < terrain->height; ++z)
+        {
+            const int64_t pixel = static_cast<int64_t>(x) * terrain->width + z;
+            const uint8_t level = heights->imageData[pixel * heightBytes + heightBytes - 1];
+            terrain->map[x][z] = static_cast<float>(level / GREY_LEVELS) * HEIGHT_RANGE;
+            for (int c = 0; c < 3; ++c)
+                terrain->colours[x][z][c] =
+                    static_cast<float>(colours->imageData[pixel * colourBytes + c] / GREY_LEVELS);
+        }
+    fputs("   ...done\n", stderr);
+}
+
+static int buildSamples(Terrain *terrain)
+{
+    fputs("Loading image...\n", stderr);
+    TgaImage *heights = tgaLoad("Map.tga");
+    TgaImage *colours = tgaLoad("MapTex.tga");
+    int built = acceptMaps(heights, colours);
+    if (built)
+    {
+        setSize(terrain, heights);
+        built = allocateSamples(terrain);
+    }
+    if (built)
+        constructSamples(terrain, heights, colours);
+    tgaDestroy(heights);
+    tgaDestroy(colours);
+    return built;
+}
+
+static int loadGroundTexture(Terrain *terrain)
+{
+    glGenTextures(1, &terrain->texture);
+    fputs("Loading terrain texture...\n", stderr);
+    terrain->image = tgaLoad("TexNoise.tga");
+    if (!tgaIsRGB(terrain->image))
+        return fail("   ...couldn't load TGA\n");
+    fputs("   ...done\n", stderr);
+    glBindTexture(GL_TEXTURE_2D, terrain->texture);
+    fputs("Initialising texture...\n", stderr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, terrain->image->width, terrain->image->height, 0,
+                 GL_RGB, GL_UNSIGNED_BYTE, terrain->image->imageData);
+    fputs("   ...done\n", stderr);
+    glEnable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return 1;
+}
+
+static int compileBlocks(Terrain *terrain)
+{
+    terrain->blocksX = terrain->width / BLOCK_SIDE;
+    terrain->blocksZ = terrain->height / BLOCK_SIDE;
+    fputs("Generating Terrain Display Lists...\n", stderr);
+    fprintf(stderr, "   ...Terrain Size: (%d * %d)\n", terrain->width, terrain->height);
+    fprintf(stderr, "   ...Number of blocks: (%d * %d)\n", terrain->blocksX, terrain->blocksZ);
+    terrain->displayLists = allocateColumns<uint32_t>(terrain->blocksX, terrain->blocksZ);
+    if (!isWhole(terrain->displayLists, terrain->blocksX))
+        return fail("   ...display list array not initialised\n");
+    for (int bx = 0; bx < terrain->blocksX; ++bx)
+        for (int bz = 0; bz < terrain->blocksZ; ++bz)
+        {
+            terrain->displayLists[bx][bz] = glGenLists(1);
+            generateTerrainDL(terrain, bx, bz);
+        }
+    fputs("   ...done\n", stderr);
+    return 1;
+}
+
+int initTerrain(Terrain *terrain)
+{
+    terrain->scale = SAMPLE_SPACING;
+    terrain->inverseScale = INVERSE_SPACING;
+    if (!buildSamples(terrain))
+        return 0;
+    fputs("Smoothing Terrain\n", stderr);
+    for (int sweep = 0; sweep < SMOOTHING_SWEEPS; ++sweep)
+        smoothTerrain(terrain);
+    fputs("   ...done\n", stderr);
+    fputs("Computing Terrain Normals\n", stderr);
+    computeTerrainNormals(terrain);
+    fputs("   ...done\n", stderr);
+    return loadGroundTexture(terrain) && compileBlocks(terrain);
+}
+
+void deleteTerrain(Terrain *terrain)
+{
+    tgaDestroy(terrain->image);
+    freeColumns(terrain->map, terrain->width);
+    freeColumns(terrain->normals, terrain->width);
+    freeColumns(terrain->colours, terrain->width);
+    fputs("Freeing Terrain...\n", stderr);
+    freeColumns(terrain->displayLists, terrain->blocksX);
+    fputs("   ...freed array entries\n", stderr);
+    free(terrain->map);
+    free(terrain->normals);
+    free(terrain->colours);
+    free(terrain->displayLists);
+    fputs("   ...done\n", stderr);
+}
+
+// ---- queries ------------------------------------------------------------------------------------
+
+static int nearestSample(float world, float extent, float inverseScale, int samples)
+{
+    const int i = truncateToInt((world + extent * 0.5) * inverseScale + 0.5);
+    return std::clamp(i, 0, samples - 1);
+}
+
+int worldToTerrainX(const Terrain *terrain, float x)
+{
+    return nearestSample(x, terrain->worldWidth, terrain->inverseScale, terrain->width);
+}
+
+int worldToTerrainZ(const Terrain *terrain, float z)
+{
+    return nearestSample(z, terrain->worldDepth, terrain->inverseScale, terrain->height);
+}
+
+static Vector samplePoint(const Terrain *terrain, int x, int z)
+{
+    return vectorInit(static_cast<float>(x * terrain->scale - terrain->worldWidth * 0.5),
+                      terrain->map[x][z],
+                      static_cast<float>(z * terrain->scale - terrain->worldDepth * 0.5));
+}
+
+float getHeightAt(const Terrain *terrain, float x, float z)
+{
+    const float fx = static_cast<float>((x + terrain->worldWidth * 0.5) * terrain->inverseScale);
+    const float fz = static_cast<float>((z + terrain->worldDepth * 0.5) * terrain->inverseScale);
+    const bool inside = fx > 0 && fx < static_cast<float>(terrain->width - 1) && fz > 0 &&
+                        fz < static_cast<float>(terrain->height - 1);
+    if (!inside)
+        return 0;
+    const int ix = static_cast<int>(fx);
+    const int iz = static_cast<int>(fz);
+    Vector point = vectorInit(x, 0, z);
+    findYvalue(samplePoint(terrain, ix, iz), samplePoint(terrain, ix + 1, iz),
+               samplePoint(terrain, ix + 1, iz + 1), &point);
+    return point.y;
+}
+
+// ---- changes ------------------------------------------------------------------------------------
+
+static void blend(float *height, float neighbour)
+{
+    *height = static_cast<float>((1.0 - SMOOTHING) * neighbour + SMOOTHING * *height);
+}
+
+void smoothTerrain(Terrain *terrain)
+{
+    smoothSelectedArea(terrain, 0, terrain->width, 0, terrain->height);
+}
+
+void smoothSelectedArea(Terrain *terrain, int x0, int x1, int z0, int z1)
+{
+    float **map = terrain->map;
+    x0 = std::max(x0, 0);
+    z0 = std::max(z0, 0);
+    x1 = std::min(x1, terrain->width);
+    z1 = std::min(z1, terrain->height);
+    for (int x = x0 + 1; x < x1; ++x)
+        for (int z = z0; z < z1; ++z)
+            blend(&map[x][z], map[x - 1][z]);
+    for (int x = x1 - 2; x >= x0; --x)
+        for (int z = z0; z < z1; ++z)
+            blend(&map[x][z], map[x + 1][z]);
+    for (int x = x0; x < x1; ++x)
+        for (int z = z0 + 1; z < z1; ++z)
+            blend(&map[x][z], map[x][z - 1]);
+    for (int x = x0; x < x1; ++x)
+        for (int z = z1 - 2; z >= z0; --z)
+            blend(&map[x][z], map[x][z + 1]);
+}
+
+static Vector gridPoint(const Terrain *terrain, int x, int z)
+{
+    return vectorInit(static_cast<float>(x) * terrain->scale, terrain->map[x][z],
+                      static_cast<float>(z) * terrain->scale);
+}
+
+// The far edges have no triangle of their own: their samples copy the nearest computed normal.
+static void extendNormals(Terrain *terrain)
+{
+    const int lastX = terrain->width - 1;
+    const int lastZ = terrain->height - 1;
+    for (int x = 0; x < lastX; ++x)
+        terrain->normals[x][lastZ] = terrain->normals[x][lastZ - 1];
+    std::copy_n(terrain->normals[lastX - 1], terrain->height, terrain->normals[lastX]);
+}
+
+void computeTerrainNormals(Terrain *terrain)
+{
+    computeSelectedNormals(terrain, 0, terrain->width, 0, terrain->height);
+}
+
+void computeSelectedNormals(Terrain *terrain, int x0, int x1, int z0, int z1)
+{
+    x0 = std::max(x0, 0);
+    z0 = std::max(z0, 0);
+    x1 = std::min(x1, terrain->width - 1);
+    z1 = std::min(z1, terrain->height - 1);
+    for (int x = x0; x < x1; ++x)
+        for (int z = z0; z < z1; ++z)
+            terrain->normals[x][z] = normal(gridPoint(terrain, x, z), gridPoint(terrain, x, z + 1),
+                                            gridPoint(terrain, x + 1, z + 1));
+    if (x1 == terrain->width - 1 || z1 == terrain->height - 1)
+        extendNormals(terrain);
+}
+
+// Strength of a deformation, 0 (none) to 20.
+static float deformationStrength(float v, int mode)
+{
+    double strength = 0;
+    if (mode == DEFORM_DENT && v < DENT_THRESHOLD)
+        strength = -v * 0.02;
+    else if (mode == DEFORM_CRATER && v > 0)
+        strength = v * 20.0 * 0.1;
+    return std::min(static_cast<float>(strength), STRONGEST_DEFORMATION);
+}
+
+// Share of a crater's full depth at offset (i, j) from its centre: a pyramid along the axes.
+static float craterShare(float strength, int i, int j)
+{
+    const double radius = strength * 0.2;
+    const double share =
+        ((radius - mod(static_cast<float>(i))) - mod(static_cast<float>(j))) / radius;
+    return std::clamp(static_cast<float>(share), 0.0f, 1.0f);
+}
+
+static void digCrater(Terrain *terrain, int x, int z, float strength, float share)
+{
+    float *height = &terrain->map[x][z];
+    *height = static_cast<float>(*height - static_cast<double>(share) * strength * 0.5);
+    terrainFlagDLDirty(terrain, x, z);
+    colourTerrainArray(terrain, x, z, 0, 0, 0, static_cast<float>(share * 0.5));
+}
+
+static void pressDent(Terrain *terrain, int x, int z, float strength)
+{
+    terrain->map[x][z] = static_cast<float>(terrain->map[x][z] - strength * 0.4);
+    terrainFlagDLDirty(terrain, x, z);
+}
+
+void deformTerrain(Terrain *terrain, Vector position, float v, int mode)
+{
+    const int ix = worldToTerrainX(terrain, position.x);
+    const int iz = worldToTerrainZ(terrain, position.z);
+    const float strength = deformationStrength(v, mode);
+    if (!(strength > 0))
+        return;
+    const int reach = static_cast<int>(strength / 10.0);
+    for (int i = -reach; i <= reach; ++i)
+        for (int j = -reach; j <= reach; ++j)
+        {
+            const int x = ix + i, z = iz + j;
+            if (x < 0 || x >= terrain->width || z < 0 || z >= terrain->height)
+                continue;
+            if (mode == DEFORM_DENT)
+                pressDent(terrain, x, z, strength);
+            else
+                digCrater(terrain, x, z, strength, craterShare(strength, i, j));
+        }
+    const double half = strength * 0.5;
+    computeSelectedNormals(terrain, truncateToInt(ix - half), truncateToInt(ix + half),
+                           truncateToInt(iz - half), truncateToInt(iz + half));
+}
+
+void colourTerrain(Terrain *terrain, Vector position, float red, float green, float blue, float t)
+{
+    const int i = worldToTerrainX(terrain, position.x);
+    const int j = worldToTerrainZ(terrain, position.z);
+    colourTerrainArray(terrain, i, j, red, green, blue, t);
+    terrainFlagDLDirty(terrain, i, j);
+}
+
+void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, float blue, float t)
+{
+    const float target[3] = {red, green, blue};
+    for (int c = 0; c < 3; ++c)
+    {
+        float *component = &terrain->colours[i][j][c];
+        *component =
+            static_cast<float>((1.0 - t) * *component + static_cast<double>(t) * target[c]);
+    }
+}
+
+static void markBlock(Terrain *terrain, int bx, int bz)
+{
+    if (bx < 0 || bx >= terrain->blocksX || bz < 0 || bz >= terrain->blocksZ)
+        return;
+    uint32_t *list = &terrain->displayLists[bx][bz];
+    if (*list == DIRTY_LIST)
+        return;
+    glDeleteLists(*list, 1);
+    *list = DIRTY_LIST;
+}
+
+void terrainFlagDLDirty(Terrain *terrain, int i, int j)
+{
+    const int bx = i / BLOCK_SIDE;
+    const int bz = j / BLOCK_SIDE;
+    markBlock(terrain, bx, bz);
+    markBlock(terrain, (i + DIRTY_REACH) / BLOCK_SIDE, bz);
+    markBlock(terrain, bx, (j + DIRTY_REACH) / BLOCK_SIDE);
+    markBlock(terrain, (i - DIRTY_REACH) / BLOCK_SIDE, bz);
+    markBlock(terrain, bx, (j - DIRTY_REACH) / BLOCK_SIDE);
+}
+
+// ---- drawing ------------------------------------------------------------------------------------
+
+// Lower corner to centre of block b along one axis.
+static float blockCentre(int b, float scale, float extent)
+{
+    return static_cast<float>(b * static_cast<double>(BLOCK_SIDE) * scale +
+                              static_cast<double>(scale) * BLOCK_SIDE * 0.5 - extent * 0.5);
+}
+
+void generateTerrainDL(Terrain *terrain, int bx, int bz)
+{
+    glNewList(terrain->displayLists[bx][bz], GL_COMPILE);
+    compileTerrain(terrain, blockCentre(bx, terrain->scale, terrain->worldWidth),
+                   blockCentre(bz, terrain->scale, terrain->worldDepth),
+                   terrain->scale * BLOCK_SIDE);
+    glEndList();
+}
+
+static void setGroundSurface(const Terrain *terrain)
+{
+    constexpr float WHITE[] = {1, 1, 1, 1};
+    glMaterialfv(GL_FRONT, GL_AMBIENT, WHITE);
+    glMaterialfv(GL_FRONT, GL_SPECULAR, WHITE);
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, WHITE);
+    glMaterialf(GL_FRONT, GL_SHININESS, 10);
+    glBindTexture(GL_TEXTURE_2D, terrain->texture);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+}
+
+static void emitSample(const Terrain *terrain, int i, int j)
+{
+    glTexCoord2f(static_cast<float>(i * TEXTURE_STEP), static_cast<float>(j * TEXTURE_STEP));
+    glNormal3fv(&terrain->normals[i][j].x);
+    glColor3fv(terrain->colours[i][j]);
+    glVertex3f(static_cast<float>(i) * terrain->scale + terrain->worldWidth * -0.5f,
+               terrain->map[i][j],
+               static_cast<float>(j) * terrain->scale + terrain->worldDepth * -0.5f);
+}
+
+void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
+{
+    const float offX = terrain->worldWidth * -0.5f, offZ = terrain->worldDepth * -0.5f;
+    const float minX = cx - size * 0.5f, maxX = cx + size * 0.5f;
+    const float minZ = cz - size * 0.5f, maxZ = cz + size * 0.5f;
+    glPushMatrix();
+    setGroundSurface(terrain);
+    for (int i = 0; i + 1 < terrain->width; ++i)
+    {
+        const float xi = static_cast<float>(i) * terrain->scale + offX;
+        if (xi < minX || xi > maxX)
+            continue;
+        glBegin(GL_TRIANGLE_STRIP);
+        for (int j = 0; j < terrain->height; ++j)
+        {
+            const float zj = static_cast<float>(j) * terrain->scale + offZ;
+            if (zj < minZ || zj > maxZ)
+                continue;
+            emitSample(terrain, i + 1, j);
+            emitSample(terrain, i, j);
+        }
+        glEnd();
+    }
+    glPopMatrix();
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+void drawTerrain(Terrain *terrain, float x, float z, float distance)
+{
+    const float half = distance * 0.5f;
+    const int bx0 = worldToTerrainX(terrain, x - half) / BLOCK_SIDE;
+    const int bz0 = worldToTerrainZ(terrain, z - half) / BLOCK_SIDE;
+    const int bx1 = worldToTerrainX(terrain, x + half) / BLOCK_SIDE;
+    const int bz1 = worldToTerrainZ(terrain, z + half) / BLOCK_SIDE;
+    for (int bx = bx0; bx < bx1; ++bx)
+        for (int bz = bz0; bz < bz1; ++bz)
+        {
+            uint32_t *list = &terrain->displayLists[bx][bz];
+            if (*list == DIRTY_LIST)
+            {
+                *list = glGenLists(1);
+                generateTerrainDL(terrain, bx, bz);
+            }
+            glCallList(*list);
+        }
+}

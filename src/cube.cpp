@@ -1,0 +1,353 @@
+#include "cube.h"
+
+#include "main.h"
+
+#include <GL/gl.h>
+
+#include <cstdio>
+
+constexpr double GRAVITY = 200.0;      // units/s^2, along -y
+constexpr float SMALLEST_SIZE = 50.0f; // below it the game is over
+constexpr float LARGEST_SIZE = 250.0f;
+constexpr double GROWTH_GAIN = 30.0;      // 1/s^2: how eagerly size follows targetSize
+constexpr double MASS_GAIN = 5.0;         // mass gained with each unit of size
+constexpr float TRAVEL_SPEED = 150.0f;    // units/s; faster along an axis, the heading follows
+constexpr double FAR_BELOW = 10000000.0;  // reach of the shadow prisms
+constexpr float SHADOW_BOX_HALF = 100.0f; // between the near plane and the far plane
+constexpr float SHADOW_DARKNESS = 0.3f;   // share of the light that the shadow takes
+
+void initCube(Cube *cube)
+{
+    cube->score = 0;
+    cube->size = 100;
+    cube->targetSize = 100;
+    cube->growthRate = 0;
+    cube->mass = 1000000;
+    cube->inverseMass = 1 / cube->mass;
+    cube->spinLimit = 5;
+    cube->position = vectorInit(0, 2000, -4000);
+    cube->velocity = vectorInit(0, 0, 0);
+    cube->momentum = vectorInit(0, 0, 1000000000);
+    cube->heading = 90.1f;
+    cube->inertia = static_cast<double>(cube->mass) * cube->size * cube->size / 6.0;
+    cube->inverseInertia = 1 / cube->inertia;
+    cube->orientation = quaternionInit(1, 0, 0, 0);
+    cube->force = vectorInit(0, 0, 0);
+    cube->torque = vectorInit(0, 0, 0);
+
+    glGenTextures(1, &cube->texture);
+    fputs("Loading cube texture...\n", stderr);
+    cube->image = tgaLoad("TexCube.tga");
+    if (!tgaIsRGB(cube->image))
+    {
+        fputs("   ...couldn't load TGA\n", stderr);
+        return;
+    }
+    fputs("   ...done\n", stderr);
+    glBindTexture(GL_TEXTURE_2D, cube->texture);
+    fputs("Initialising texture...\n", stderr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, cube->image->width, cube->image->height, 0, GL_RGB,
+                 GL_UNSIGNED_BYTE, cube->image->imageData);
+    fputs("   ...done\n", stderr);
+    glEnable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+void destroyCube(Cube *cube)
+{
+    tgaDestroy(cube->image);
+    cube->image = nullptr;
+}
+
+Vector getCornerNoRotation(const Cube *cube, int corner)
+{
+    constexpr Vector SIGNS[CUBE_CORNERS] = {{1, -1, 1},  {1, 1, 1},  {1, 1, -1},  {1, -1, -1},
+                                            {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}, {-1, -1, -1}};
+    if (corner < 1 || corner > CUBE_CORNERS)
+        return vectorInit(0, 0, 0);
+    return vectorMultiply(SIGNS[corner - 1], static_cast<float>(cube->size / 2.0));
+}
+
+Vector getCorner(const Cube *cube, int corner)
+{
+    Matrix rotation;
+    quaternionToMatrix(cube->orientation, rotation);
+    return vectorAdd(matrixVectorMultiply(rotation, getCornerNoRotation(cube, corner)),
+                     cube->position);
+}
+
+Vector getCornerVelocity(const Cube *cube, int corner)
+{
+    const Vector arm = vectorSubtract(getCorner(cube, corner), cube->position);
+    return vectorAdd(cube->velocity, vectorCrossProduct(cube->angularVelocity, arm));
+}
+
+static bool isBetween(int value, double limit)
+{
+    return value > -limit && value < limit;
+}
+
+int cubeCrushes(const Cube *cube, Vector position)
+{
+    const int dx = truncateToInt(static_cast<double>(cube->position.x) - position.x);
+    const int dy = truncateToInt(static_cast<double>(cube->position.y) - position.y);
+    const int dz = truncateToInt(static_cast<double>(cube->position.z) - position.z);
+    const double half = 0.5 * cube->size;
+    return isBetween(dx, half) && isBetween(dy, cube->size) && isBetween(dz, half);
+}
+
+static void applyGravity(Cube *cube, float dt)
+{
+    cube->momentum.y = static_cast<float>(cube->momentum.y - dt * GRAVITY * cube->mass);
+}
+
+// dt enters twice: once in the rate and once in the step.
+static void easeSize(Cube *cube, float dt)
+{
+    const double gap = static_cast<double>(cube->targetSize) - cube->size;
+    cube->growthRate = static_cast<float>(dt * GROWTH_GAIN * gap);
+    cube->size = static_cast<float>(cube->size + static_cast<double>(cube->growthRate) * dt);
+}
+
+static void grow(Cube *cube, float dt)
+{
+    if (cube->size < SMALLEST_SIZE)
+    {
+        cube->targetSize = 0;
+        easeSize(cube, dt);
+        cube->momentum = vectorInit(0, 0, 0);
+        gameOver = 1;
+    }
+    else if (cube->size != cube->targetSize)
+    {
+        if (cube->targetSize > LARGEST_SIZE)
+            cube->targetSize = LARGEST_SIZE;
+        easeSize(cube, dt);
+        cube->mass =
+            static_cast<float>(cube->mass + static_cast<double>(cube->growthRate) * dt * MASS_GAIN);
+        cube->inertia = static_cast<double>(cube->mass) * cube->size * cube->size / 6.0;
+        cube->inverseInertia = 1 / cube->inertia;
+    }
+    cube->spinLimit = static_cast<float>((250.0 - cube->size) / 50.0 + 1.0);
+}
+
+static void moveBody(Cube *cube, float dt)
+{
+    cube->momentum = vectorAdd(cube->momentum, vectorMultiply(cube->force, dt));
+    cube->velocity = vectorMultiply(cube->momentum, cube->inverseMass);
+    cube->position = vectorAdd(cube->position, vectorMultiply(cube->velocity, dt));
+}
+
+static void turnBody(Cube *cube, float dt)
+{
+    cube->angularMomentum = vectorAdd(cube->angularMomentum, vectorMultiply(cube->torque, dt));
+    cube->angularVelocity =
+        vectorMultiply(cube->angularMomentum, static_cast<float>(cube->inverseInertia));
+    const Vector rate = cube->angularVelocity;
+    cube->spin = quaternionMultiplyFloat(
+        quaternionMultiplyQuaternion(quaternionInit(0, rate.x, rate.y, rate.z), cube->orientation),
+        0.5f);
+    Quaternion *turned = &cube->orientation;
+    turned->w = static_cast<float>(turned->w + static_cast<double>(cube->spin.w) * dt);
+    turned->x = static_cast<float>(turned->x + static_cast<double>(cube->spin.x) * dt);
+    turned->y = static_cast<float>(turned->y + static_cast<double>(cube->spin.y) * dt);
+    turned->z = static_cast<float>(turned->z + static_cast<double>(cube->spin.z) * dt);
+    *turned = normalize(*turned);
+}
+
+// A slow cube keeps the heading that the keys turn.
+static void followTravel(Cube *cube)
+{
+    if (mod(cube->velocity.x) >= TRAVEL_SPEED || mod(cube->velocity.z) >= TRAVEL_SPEED)
+        cube->heading = findDirection(vectorInit(0, 0, 0), cube->velocity);
+}
+
+void updateCube(Cube *cube, float dt)
+{
+    applyGravity(cube, dt);
+    grow(cube, dt);
+    moveBody(cube, dt);
+    turnBody(cube, dt);
+    followTravel(cube);
+    cube->force = vectorInit(0, 0, 0);
+    cube->torque = vectorInit(0, 0, 0);
+}
+
+void applyForce(Cube *cube, Vector force, Vector point)
+{
+    cube->force = vectorAdd(cube->force, force);
+    const Vector arm = vectorSubtract(point, cube->position);
+    cube->torque = vectorAdd(cube->torque, vectorCrossProduct(arm, force));
+}
+
+void handleCollision(Cube *cube, Vector normal, Vector velocity, Vector corner, float depth)
+{
+    const float impactDamping = 8 * cube->mass;
+    const float penetrationStiffness = 12 * cube->mass;
+    const float depthDamping = static_cast<float>(0.1 * cube->mass);
+    const float slideFriction = 6 * cube->mass;
+    const float approachSpeed = -vectorDotProduct(velocity, normal);
+
+    if (approachSpeed > 0)
+        applyForce(cube, vectorMultiply(normal, approachSpeed * impactDamping), corner);
+    const Vector slide = vectorAdd(velocity, vectorMultiply(normal, approachSpeed));
+    applyForce(cube, vectorMultiply(slide, -slideFriction), corner);
+    applyForce(cube, vectorMultiply(normal, depth * penetrationStiffness), corner);
+    const double weakening = static_cast<double>(approachSpeed) * depth * depthDamping;
+    applyForce(cube, vectorMultiply(normal, static_cast<float>(weakening)), corner);
+}
+
+// ---- drawing ------------------------------------------------------------------------------------
+
+namespace
+{
+struct Face
+{
+    Vector normal;
+    int corners[4]; // counter-clockwise from outside
+};
+} // namespace
+
+constexpr Face FACES[] = {{{0, 0, 1}, {1, 2, 6, 5}},  {{-1, 0, 0}, {5, 6, 7, 8}},
+                          {{0, 0, -1}, {8, 7, 3, 4}}, {{1, 0, 0}, {4, 3, 2, 1}},
+                          {{0, 1, 0}, {2, 3, 7, 6}},  {{0, -1, 0}, {1, 5, 8, 4}}};
+constexpr float FACE_TEXTURE[4][2] = {{1, 0}, {1, 1}, {0, 1}, {0, 0}};
+
+static void setCubeSurface(const Cube *cube)
+{
+    constexpr float WHITE[] = {1, 1, 1, 1};
+    glColor4f(1, 1, 1, 1);
+    glMaterialfv(GL_FRONT, GL_AMBIENT, WHITE);
+    glMaterialfv(GL_FRONT, GL_SPECULAR, WHITE);
+    glMaterialf(GL_FRONT, GL_SHININESS, 40);
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, WHITE);
+    glBindTexture(GL_TEXTURE_2D, cube->texture);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+}
+
+static void emitVertex(Vector v)
+{
+    glVertex3fv(&v.x);
+}
+
+void drawCube(const Cube *cube)
+{
+    setCubeSurface(cube);
+    glPushMatrix();
+    glBegin(GL_QUADS);
+    for (const Face &face : FACES)
+    {
+        glNormal3f(face.normal.x, face.normal.y, face.normal.z);
+        for (int k = 0; k < 4; ++k)
+        {
+            glTexCoord2fv(FACE_TEXTURE[k]);
+            emitVertex(getCornerNoRotation(cube, face.corners[k]));
+        }
+    }
+    glEnd();
+    glPopMatrix();
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
+// Counter-clockwise from inside the cube: the prism of a face that looks down then has its polygons
+// turned outward, and the prism of one that looks up counts nothing.
+constexpr int SHADOW_FACES[6][4] = {{1, 2, 3, 4}, {2, 6, 7, 3}, {3, 7, 8, 4},
+                                    {4, 8, 5, 1}, {5, 6, 2, 1}, {6, 5, 8, 7}};
+
+constexpr float SHADOW_BOX[24][3] = {
+    {-1, -1, 1},  {-1, 1, 1},  {1, 1, 1},    {1, -1, 1},   // z = +
+    {-1, -1, -1}, {-1, 1, -1}, {-1, 1, 1},   {-1, -1, 1},  // x = -
+    {1, -1, -1},  {1, 1, -1},  {-1, 1, -1},  {-1, -1, -1}, // z = -
+    {1, -1, 1},   {1, 1, 1},   {1, 1, -1},   {1, -1, -1},  // x = +
+    {-1, 1, 1},   {-1, 1, -1}, {1, 1, -1},   {1, 1, 1},    // y = +
+    {1, -1, 1},   {1, -1, -1}, {-1, -1, -1}, {-1, -1, 1},  // y = -
+};
+
+static Vector farBelow(Vector corner)
+{
+    const Vector down = vectorInit(corner.x, static_cast<float>(corner.y - FAR_BELOW), corner.z);
+    return vectorMultiply(normalizeVector(down), static_cast<float>(FAR_BELOW));
+}
+
+void renderShadowVolume(const Cube *cube, int a, int b, int c, int d)
+{
+    const int corners[4] = {a, b, c, d};
+    Vector near[4], far[4];
+    for (int k = 0; k < 4; ++k)
+    {
+        near[k] = getCorner(cube, corners[k]);
+        far[k] = farBelow(near[k]);
+    }
+    glBegin(GL_QUADS);
+    for (int k = 3; k >= 0; --k)
+        emitVertex(far[k]);
+    glEnd();
+    glBegin(GL_QUADS);
+    for (int k = 0; k < 4; ++k)
+        emitVertex(near[k]);
+    glEnd();
+    glBegin(GL_QUAD_STRIP);
+    for (int k = 0; k <= 4; ++k)
+    {
+        emitVertex(near[k % 4]);
+        emitVertex(far[k % 4]);
+    }
+    glEnd();
+}
+
+void drawShadowBox(float x, float y, float z)
+{
+    glDisable(GL_LIGHTING);
+    glDisable(GL_DEPTH_TEST);
+    glPushMatrix();
+    glColor4f(0, 0, 0, SHADOW_DARKNESS);
+    glTranslatef(x, y, z);
+    glBegin(GL_QUADS);
+    for (const float *sign : SHADOW_BOX)
+        glVertex3f(sign[0] * SHADOW_BOX_HALF, sign[1] * SHADOW_BOX_HALF, sign[2] * SHADOW_BOX_HALF);
+    glEnd();
+    glPopMatrix();
+    glEnable(GL_LIGHTING);
+    glEnable(GL_DEPTH_TEST);
+}
+
+// Counts the prism's faces of one winding where they lie behind the scene.
+static void countBehindScene(const Cube *cube, const int face[4], GLenum culled, GLenum depthFail)
+{
+    glCullFace(culled);
+    glStencilFunc(GL_ALWAYS, 0, 0xFF);
+    glStencilOp(GL_KEEP, depthFail, GL_KEEP);
+    renderShadowVolume(cube, face[0], face[1], face[2], face[3]);
+}
+
+static void castFaceShadow(const Cube *cube, const int face[4], Vector eye)
+{
+    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
+    glDepthMask(GL_FALSE);
+    glEnable(GL_CULL_FACE);
+    glEnable(GL_STENCIL_TEST);
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(0, 100);
+    countBehindScene(cube, face, GL_FRONT, GL_INCR);
+    countBehindScene(cube, face, GL_BACK, GL_DECR);
+    glDisable(GL_POLYGON_OFFSET_FILL);
+    glPolygonOffset(0, 0);
+    glDisable(GL_CULL_FACE);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    glDepthMask(GL_TRUE);
+    // The first box polygon over a counted pixel darkens it and puts its count back to 0.
+    glStencilFunc(GL_NOTEQUAL, 0, 0xFF);
+    glStencilOp(GL_REPLACE, GL_REPLACE, GL_REPLACE);
+    drawShadowBox(eye.x, eye.y, eye.z);
+    glDisable(GL_STENCIL_TEST);
+}
+
+void renderCubeShadow(const Cube *cube, float x, float y, float z)
+{
+    for (const int *face : SHADOW_FACES)
+        castFaceShadow(cube, face, vectorInit(x, y, z));
+}

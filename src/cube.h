@@ -1,0 +1,65 @@
+// cube.h - the player's cube: a rigid body that carries the score and the size of the player.
+// World units, seconds, degrees unless stated otherwise; y up.
+#pragma once
+
+#include "image.h"
+#include "util.h"
+
+#include <cstdint>
+
+struct Cube
+{
+    int32_t score;     // points
+    float size;        // edge length; below 50 the game is over
+    float targetSize;  // what size eases toward; at most 250
+    float growthRate;  // units per second that the last step added to size
+    float spinLimit;   // radians per second at which the keys' torque has faded to nothing
+    float heading;     // direction of travel as findDirection measures it; not wrapped
+    TgaImage *image;   // picture on each face; owned
+    uint32_t texture;  // OpenGL name of the picture
+    float mass;        // grows with size
+    float inverseMass; // of the starting mass; never follows mass
+    double inertia;    // mass size^2 / 6, the same about every axis
+    double inverseInertia;
+    Vector position;        // centre
+    Quaternion orientation; // body to world
+    Vector momentum;
+    Vector angularMomentum;
+    Vector velocity;        // of the last step
+    Vector angularVelocity; // of the last step; radians per second
+    Quaternion spin;        // time derivative of orientation in the last step
+    Vector force;           // accumulated since the last step
+    Vector torque;          // accumulated since the last step
+};
+
+constexpr int CUBE_CORNERS = 8; // numbered 1 to 8; k and k + 4 face each other across x
+
+// Life cycle. initCube loads TexCube.tga from the working directory, reporting on standard error;
+// without the picture the cube is drawn plain. It needs an OpenGL context.
+void initCube(Cube *cube);
+void destroyCube(Cube *cube);
+
+// Queries. A corner number outside 1 to 8 gives the centre, without a velocity of its own.
+Vector getCornerNoRotation(const Cube *cube, int corner); // in the body frame
+Vector getCorner(const Cube *cube, int corner);           // in the world
+Vector getCornerVelocity(const Cube *cube, int corner);   // in the world, of the last step
+// 1 when a body standing at position is under the cube: within half an edge of its centre along x
+// and z and within a whole edge along y, the offsets cut to whole units; else 0.
+int cubeCrushes(const Cube *cube, Vector position);
+
+// Changes
+// One step of dt seconds (semi-implicit Euler): gravity, growth, then everything accumulated since
+// the last step. Sets gameOver once the size is below 50.
+void updateCube(Cube *cube, float dt);
+void applyForce(Cube *cube, Vector force, Vector point); // accumulates a force at a world point
+// Penalty forces for one corner below the ground: a spring along the unit normal, damping of the
+// approach and friction along the surface. depth is positive.
+void handleCollision(Cube *cube, Vector normal, Vector velocity, Vector corner, float depth);
+
+// Drawing
+void drawCube(const Cube *cube); // in the body frame, which the caller has set up
+// Darkens what the cube stands above, with depth-fail stencil shadow volumes; (x, y, z) is the eye.
+// Wants a stencil buffer of zeros and leaves one. Leaves face culling off.
+void renderCubeShadow(const Cube *cube, float x, float y, float z);
+void renderShadowVolume(const Cube *cube, int a, int b, int c, int d); // the prism below one face
+void drawShadowBox(float x, float y, float z); // a translucent black box around a point

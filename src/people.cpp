@@ -1,0 +1,476 @@
+#include "people.h"
+
+#include "main.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+constexpr double GRID_CENTRE = BUCKET_COUNT / 2.0; // bucket units from the edge to the world origin
+constexpr float FLEE_RADIUS = 500.0f;
+constexpr double EDGE_MARGIN = 2000.0; // people this near to the edge of the land turn back
+constexpr float TOP_SPEED = 45.0f;     // units/s along each axis
+constexpr int WANDER_THRESHOLD = 95;   // of 100; a higher draw changes the course
+constexpr float GROWTH_PER_PERSON = 1.0f;
+constexpr int SCORE_PER_PERSON = 10;
+constexpr float FEET_ABOVE_GROUND = 1.0f;
+
+// The pictures of the picture-board mode; every person carries the pointers, the module owns them.
+static TgaImage *frontPicture = nullptr;
+static TgaImage *backPicture = nullptr;
+
+// ---- grid ---------------------------------------------------------------------------------------
+
+static int bucketOf(double coordinate, int steprate)
+{
+    return truncateToInt(coordinate / steprate + GRID_CENTRE);
+}
+
+static PersonNode **bucketAt(const PeopleList *list, int row, int column)
+{
+    return list->buckets[row * BUCKET_COUNT + column];
+}
+
+ViewRange viewRange(const PeopleList *list, const Cube *cube)
+{
+    const double x = cube->position.x, z = cube->position.z;
+    ViewRange range;
+    range.firstRow = std::max(bucketOf(x - VIEW_DISTANCE, list->steprate), 0);
+    range.endRow = std::min(bucketOf(x + VIEW_DISTANCE, list->steprate), BUCKET_COUNT);
+    range.firstColumn = std::max(bucketOf(z - VIEW_DISTANCE, list->steprate), 0);
+    range.endColumn = std::min(bucketOf(z + VIEW_DISTANCE, list->steprate), BUCKET_COUNT);
+    return range;
+}
+
+int needUpdate(Person person, int row, int column, int steprate)
+{
+    return bucketOf(person.position.x, steprate) != row ||
+           bucketOf(person.position.z, steprate) != column;
+}
+
+static PersonNode *makeNode(Person person, int row, int column)
+{
+    PersonNode *node = static_cast<PersonNode *>(malloc(sizeof(PersonNode)));
+    if (!node)
+    {
+        fputs("...FAILED ALLOCATION OF MEMORY!", stderr);
+        return nullptr;
+    }
+    *node = {person, row, column, nullptr};
+    return node;
+}
+
+static void push(PersonNode **head, PersonNode *node)
+{
+    node->next = *head;
+    *head = node;
+}
+
+static PersonNode *pop(PersonNode **head)
+{
+    PersonNode *node = *head;
+    *head = node->next;
+    return node;
+}
+
+int addPerson(PeopleList *list, Person person)
+{
+    PersonNode *node = makeNode(person, 0, 0);
+    if (!node)
+        return 0;
+    const int row = bucketOf(person.position.x, list->steprate);
+    const int column = bucketOf(person.position.z, list->steprate);
+    push(bucketAt(list, std::clamp(row, 0, BUCKET_COUNT - 1),
+                  std::clamp(column, 0, BUCKET_COUNT - 1)),
+         node);
+    ++list->count;
+    return 1;
+}
+
+int removePerson(PeopleList *list, Person person, int row, int column)
+{
+    for (PersonNode **link = bucketAt(list, row, column); *link; link = &(*link)->next)
+        if ((*link)->person.id == person.id)
+        {
+            free(pop(link));
+            --list->count;
+            return 1;
+        }
+    fputs("FAILED TO FIND PERSON!!!\n", stderr);
+    return 0;
+}
+
+// ---- life cycle ---------------------------------------------------------------------------------
+
+static PersonNode **makeCell()
+{
+    return static_cast<PersonNode **>(calloc(1, sizeof(PersonNode *)));
+}
+
+static int makeBuckets(PeopleList *list)
+{
+    for (int row = 0; row < BUCKET_COUNT; ++row)
+        for (int column = 0; column < BUCKET_COUNT; ++column)
+        {
+            PersonNode **cell = makeCell();
+            list->buckets[row * BUCKET_COUNT + column] = cell;
+            if (!cell)
+            {
+                fprintf(stderr, "ERROR FAILED ALLOCATION AT %d:%d\n", row, column);
+                return 0;
+            }
+        }
+    return 1;
+}
+
+// One side of the picture board: loads and keys the picture and uploads it.
+static int loadPicture(const char *file, const char *loading, const char *initialising,
+                       TgaImage **image, uint32_t *texture)
+{
+    glGenTextures(1, texture);
+    fputs(loading, stderr);
+    *image = tgaLoad(file);
+    if (tgaIsRGB(*image))
+        tgaRGBTransparency(*image);
+    if (!tgaIsRGB(*image) || (*image)->pixelDepth != 32) // 32 unless there was no memory to key it
+    {
+        fputs("   ...couldn't load TGA\n", stderr);
+        return 0;
+    }
+    fputs("   ...done\n", stderr);
+    glBindTexture(GL_TEXTURE_2D, *texture);
+    fputs(initialising, stderr);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, (*image)->width, (*image)->height, 0, GL_RGBA,
+                 GL_UNSIGNED_BYTE, (*image)->imageData);
+    fputs("   ...done\n", stderr);
+    return 1;
+}
+
+static int loadPictures(Person *person)
+{
+    const int loaded =
+        loadPicture("TexPerson.tga", "Loading Person texture...\n", "Initialising texture...\n",
+                    &frontPicture, &person->frontTexture) &&
+        loadPicture("TexPersonBack.tga", "Loading Person Back texture...\n",
+                    "Initialising back texture...\n", &backPicture, &person->backTexture);
+    person->frontImage = frontPicture;
+    person->backImage = backPicture;
+    if (loaded)
+    {
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
+    return loaded;
+}
+
+void initPerson(Person *person)
+{
+    person->position = vectorInit(0, 0, 0);
+    person->velocity = vectorInit(0, 0, 0);
+    person->direction = 0;
+}
+
+// A whole number between minus half the extent and half the extent.
+static float scatteredCoordinate(int extent)
+{
+    return static_cast<float>(truncateToInt(rand() % extent - extent / 2.0));
+}
+
+static void placePerson(Person *person, int id, int extentX, int extentZ)
+{
+    initPerson(person);
+    person->id = id;
+    person->position.x = scatteredCoordinate(extentX);
+    person->position.z = scatteredCoordinate(extentZ);
+    person->velocity.x = static_cast<float>(rand() % 90 - 45);
+    person->velocity.z = static_cast<float>(rand() % 90 - 45);
+    person->direction = findDirection(vectorInit(0, 0, 0), person->velocity);
+}
+
+int makeList(PeopleList *list, int n, int sizex, int sizez, int resolution)
+{
+    if (!list)
+        return 0;
+    list->count = 0;
+    list->bucketCount = BUCKET_COUNT;
+    list->steprate = sizex * resolution / BUCKET_COUNT;
+    std::fill(list->buckets, list->buckets + BUCKET_COUNT * BUCKET_COUNT, nullptr);
+    fprintf(stderr, "Initialising People List...\n   ...bucketCount = %d\n   ...steprate = %d\n",
+            list->bucketCount, list->steprate);
+    if (list->steprate <= 0 || sizez * resolution <= 0 || !makeBuckets(list))
+        return 0;
+    Person person = {};
+    if (TRANSPARENCY == 1 && !loadPictures(&person))
+        return 0;
+    list->displayList = glGenLists(1);
+    glNewList(list->displayList, GL_COMPILE);
+    drawPerson(&person);
+    glEndList();
+
+    fprintf(stderr, "\nInitialising people sizex:%d sizez:%d resolution:%d \n", sizex, sizez,
+            resolution);
+    for (int id = 0; id < n; ++id)
+    {
+        placePerson(&person, id, sizex * resolution, sizez * resolution);
+        if (!addPerson(list, person))
+            return 0;
+    }
+    return 1;
+}
+
+int destroyPersonList(PeopleList *list)
+{
+    for (PersonNode **cell : list->buckets)
+    {
+        while (cell && *cell)
+            free(pop(cell));
+        free(cell);
+    }
+    free(list);
+    tgaDestroy(frontPicture);
+    tgaDestroy(backPicture);
+    frontPicture = backPicture = nullptr;
+    return 1;
+}
+
+// ---- behaviour ----------------------------------------------------------------------------------
+
+static bool isBetween(float value, int low, int high)
+{
+    return static_cast<float>(low) < value && value < static_cast<float>(high);
+}
+
+void updateAI(Person *person, const Cube *cube, int width, int resolution)
+{
+    const int extent = width * resolution;
+    const int high = truncateToInt(extent * 0.5 - EDGE_MARGIN);
+    const int low = truncateToInt(extent * -0.5 + EDGE_MARGIN);
+    const float dx = person->position.x - cube->position.x;
+    const float dz = person->position.z - cube->position.z;
+    if (pithag(dx, dz) < FLEE_RADIUS && isBetween(person->position.x, low, high) &&
+        isBetween(person->position.z, low, high))
+    {
+        person->velocity.x = dx;
+        person->velocity.z = dz;
+    }
+    else if (rand() % 100 + 1 > WANDER_THRESHOLD)
+    {
+        person->velocity.x += static_cast<float>(rand() % 20 - 9);
+        person->velocity.z += static_cast<float>(rand() % 20 - 9);
+    }
+}
+
+// Both axes use the bounds of the width, and the z rule comes last: it wins in a corner.
+static void turnBackAtEdge(Person *person, const Terrain *terrain)
+{
+    const double extent = static_cast<double>(terrain->width) * terrain->scale;
+    const int high = truncateToInt(extent * 0.5 - EDGE_MARGIN);
+    const int low = truncateToInt(extent * -0.5 + EDGE_MARGIN);
+    Vector *velocity = &person->velocity;
+    if (person->position.x > static_cast<float>(high))
+        *velocity = vectorInit(-TOP_SPEED, velocity->y, 0);
+    else if (person->position.x < static_cast<float>(low))
+        *velocity = vectorInit(TOP_SPEED, velocity->y, 0);
+    if (person->position.z > static_cast<float>(high))
+        *velocity = vectorInit(0, velocity->y, -TOP_SPEED);
+    else if (person->position.z < static_cast<float>(low))
+        *velocity = vectorInit(0, velocity->y, TOP_SPEED);
+}
+
+void updatePersonPosition(Person *person, const Terrain *terrain, float h)
+{
+    Vector *position = &person->position, *velocity = &person->velocity;
+    velocity->x = std::clamp(velocity->x, -TOP_SPEED, TOP_SPEED);
+    velocity->z = std::clamp(velocity->z, -TOP_SPEED, TOP_SPEED);
+    turnBackAtEdge(person, terrain);
+    person->direction = static_cast<float>(270.0 - findDirection(vectorInit(0, 0, 0), *velocity));
+    position->x = static_cast<float>(position->x + static_cast<double>(velocity->x) * h);
+    position->y = getHeightAt(terrain, position->x, position->z); // at the new x and the old z
+    position->z = static_cast<float>(position->z + static_cast<double>(velocity->z) * h);
+}
+
+int checkPersonCollision(Person person, Cube *cube)
+{
+    if (!cubeCrushes(cube, person.position))
+        return 0;
+    cube->targetSize += GROWTH_PER_PERSON;
+    cube->score += SCORE_PER_PERSON;
+    return 1;
+}
+
+namespace
+{
+// What a sweep over the grid found, to be applied after it: the chains are not changed under it.
+struct PendingChanges
+{
+    PersonNode **removals;
+    PersonNode **additions;
+};
+} // namespace
+
+// The stain and the removal of a crushed person go together: without memory neither happens.
+static void pendCrushed(PendingChanges *pending, Terrain *terrain, Person person, int row,
+                        int column)
+{
+    PersonNode *removal = makeNode(person, row, column);
+    if (!removal)
+        return;
+    colourTerrain(terrain, person.position, 0.6f, 0.0f, 0.0f, 0.7f);
+    push(pending->removals, removal);
+}
+
+// Half a move would lose the person or file it twice: without memory for both entries it waits.
+static void pendMove(PendingChanges *pending, Person person, int row, int column)
+{
+    PersonNode *removal = makeNode(person, row, column);
+    PersonNode *addition = removal ? makeNode(person, row, column) : nullptr;
+    if (!addition)
+    {
+        free(removal);
+        return;
+    }
+    push(pending->removals, removal);
+    push(pending->additions, addition);
+}
+
+static void sweepBucket(PeopleList *list, int row, int column, Cube *cube, float h,
+                        Terrain *terrain, PendingChanges *pending)
+{
+    const int resolution = truncateToInt(terrain->scale);
+    for (PersonNode *node = *bucketAt(list, row, column); node; node = node->next)
+    {
+        updateAI(&node->person, cube, terrain->width, resolution);
+        updatePersonPosition(&node->person, terrain, h);
+        if (checkPersonCollision(node->person, cube))
+            pendCrushed(pending, terrain, node->person, row, column);
+        else if (needUpdate(node->person, row, column, list->steprate))
+            pendMove(pending, node->person, row, column);
+    }
+}
+
+static void applyChanges(PeopleList *list, PendingChanges *pending)
+{
+    while (*pending->removals)
+    {
+        PersonNode *entry = pop(pending->removals);
+        removePerson(list, entry->person, entry->row, entry->column);
+        free(entry);
+    }
+    while (*pending->additions)
+    {
+        PersonNode *entry = pop(pending->additions);
+        addPerson(list, entry->person);
+        free(entry);
+    }
+}
+
+void updatePerson(PeopleList *list, Cube *cube, float h, Terrain *terrain)
+{
+    const ViewRange range = viewRange(list, cube);
+    PendingChanges pending = {makeCell(), makeCell()};
+    if (pending.removals && pending.additions)
+    {
+        for (int row = range.firstRow; row < range.endRow; ++row)
+            for (int column = range.firstColumn; column < range.endColumn; ++column)
+                sweepBucket(list, row, column, cube, h, terrain, &pending);
+        applyChanges(list, &pending);
+    }
+    else
+        fputs("Failed to allocate memory to remove list\n", stdout);
+    free(pending.removals);
+    free(pending.additions);
+}
+
+// ---- drawing ------------------------------------------------------------------------------------
+
+constexpr float STICK_FIGURE[][2] = {
+    {-2, 10}, {-2, 14}, {-4, 14}, {-4, 10}, // arm
+    {6, 10},  {6, 14},  {4, 14},  {4, 10},  // arm
+    {4, 6},   {4, 12},  {-2, 12}, {-2, 6},  // body
+    {2, 12},  {2, 14},  {0, 14},  {0, 12},  // head
+    {0, 0},   {0, 6},   {-2, 6},  {-2, 0},  // leg
+    {4, 0},   {4, 6},   {2, 6},   {2, 0},   // leg
+};
+
+// Unlit and seen from both sides. Without texturing: black must not depend on what is bound.
+static void drawStickFigure()
+{
+    glColor3f(0, 0, 0);
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_LIGHTING);
+    glDisable(GL_TEXTURE_2D);
+    glBegin(GL_QUADS);
+    for (const float *vertex : STICK_FIGURE)
+        glVertex3f(vertex[0], vertex[1], 0);
+    glEnd();
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_CULL_FACE);
+    glEnable(GL_LIGHTING);
+}
+
+// One side of the board, 20 units square; left is the x of the picture's right edge.
+static void drawBoardSide(uint32_t texture, float left)
+{
+    constexpr float HEIGHT = 20;
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glBegin(GL_QUADS);
+    glTexCoord2f(1, 0);
+    glVertex3f(left, 0, 0);
+    glTexCoord2f(1, 1);
+    glVertex3f(left, HEIGHT, 0);
+    glTexCoord2f(0, 1);
+    glVertex3f(-left, HEIGHT, 0);
+    glTexCoord2f(0, 0);
+    glVertex3f(-left, 0, 0);
+    glEnd();
+}
+
+// The current alpha of 0 makes the blend add the picture: its black texels leave the background.
+static void drawPictureBoard(const Person *person)
+{
+    glColor4f(0, 0, 0, 0);
+    glDisable(GL_FOG);
+    drawBoardSide(person->frontTexture, -10);
+    drawBoardSide(person->backTexture, 10);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glEnable(GL_FOG);
+}
+
+void drawPerson(const Person *person)
+{
+    if (TRANSPARENCY == 1)
+        drawPictureBoard(person);
+    else
+        drawStickFigure();
+}
+
+static void drawBucket(const PeopleList *list, int row, int column)
+{
+    for (const PersonNode *node = *bucketAt(list, row, column); node; node = node->next)
+    {
+        const Person &person = node->person;
+        glPushMatrix();
+        glTranslatef(person.position.x, person.position.y + FEET_ABOVE_GROUND, person.position.z);
+        glRotatef(person.direction, 0, 1, 0);
+        glCallList(list->displayList);
+        glPopMatrix();
+    }
+}
+
+void drawHorde(const PeopleList *list, const Cube *cube)
+{
+    if (list->steprate == 0)
+    {
+        fputs("drawHorde Error\n", stderr);
+        return;
+    }
+    const ViewRange range = viewRange(list, cube);
+    for (int row = range.firstRow; row < range.endRow; ++row)
+        for (int column = range.firstColumn; column < range.endColumn; ++column)
+            drawBucket(list, row, column);
+}

@@ -1,0 +1,40 @@
+// shot.h - the projectiles that tanks fire: they fly under gravity, knock and shrink the cube, or
+// blow a crater where they sink into the ground. World units, seconds, degrees.
+#pragma once
+
+#include "cube.h"
+#include "terrain.h"
+#include "util.h"
+
+#include <cstdint>
+
+struct Shot
+{
+    int32_t id;      // identity, given by addShot
+    Vector position; // origin of the model
+    Vector velocity; // the horizontal parts count twice in flight
+    int32_t heading; // yaw of the drawing about +y, whole degrees
+    Shot *next;      // the next older shot, or null
+};
+
+struct ShotList
+{
+    Shot *head;     // newest shot in flight, or null; owned, with all that follow
+    int32_t nextId; // identity of the next added shot; only grows
+};
+
+// Life cycle
+int destroyShotList(ShotList *list); // frees the shots and the record; 1
+
+// Changes
+int addShot(ShotList *list, Shot shot); // position, velocity and heading count; 1, or 0: no memory
+int removeShot(ShotList *list, Shot shot);             // by id; 1, or 0 when it is not in the list
+void applyShotGravity(Shot *shot, float dt);           // one step of the velocity
+void updateShotPosition(Shot *shot, float dt);         // one step of the position
+int checkShotCollision(const Shot *shot, Cube *cube);  // 1 when it strikes; the cube is then hit
+void updateShot(ShotList *list, Cube *cube, float dt); // one world step of all shots
+void landShots(ShotList *list, Terrain *terrain); // ends those under the ground, with a crater each
+
+// Drawing
+void drawShots(ShotList *list, Terrain *terrain); // lands, then draws what still flies
+void drawShot(const Shot *shot); // the model, in the current frame; the record is not read

@@ -1,0 +1,65 @@
+// tank.h - the tanks: they wander until the cube is near, then stop, face it and fire.
+// World units, seconds; headings are yaws in degrees about +y: 0 faces +x, 90 faces -z.
+#pragma once
+
+#include "cube.h"
+#include "image.h"
+#include "shot.h"
+#include "terrain.h"
+#include "util.h"
+
+#include <cstdint>
+
+struct Tank
+{
+    int id;              // identity, from 0 in order of creation
+    int wanderDistance;  // left of the current leg, whole units; 0 or less starts a new one
+    Vector position;     // y is the ground, as found when the tank was last settled
+    float speed;         // along heading, units per second
+    float targetSpeed;   // what speed eases toward
+    float acceleration;  // rate of change in the last step
+    float heading;       // of the hull; not wrapped
+    float targetHeading; // what heading eases toward, as plain numbers
+    float turnRate;      // rate of change in the last step
+    float scale;         // of the model when it is drawn
+    float lastShotTime;  // seconds since start-up
+};
+
+struct TankNode
+{
+    Tank tank;
+    TankNode *next;
+};
+
+struct TankList
+{
+    TankNode *head;      // newest tank, or null; owned, with all that follow
+    uint32_t turretList; // OpenGL list of turret and barrel
+    uint32_t hullList;   // OpenGL list of hull and tracks
+    TgaImage *image;     // texture atlas; owned
+    uint32_t texture;    // OpenGL name of the atlas
+};
+
+// Life cycle. makeTankList compiles the model, loads TexTank.tga from the working directory and
+// creates n equal tanks; it needs an OpenGL context. Returns 1, or 0 for a null list or a missing
+// picture. randomTankPlacement scatters them over sizex * resolution by sizez * resolution world
+// units, a tenth of it beyond the lower edges, with three rand() numbers each.
+int makeTankList(TankList *list, int n);
+void initTank(Tank *tank); // leaves id and wanderDistance alone
+void randomTankPlacement(TankList *list, int sizex, int sizez, int resolution);
+int destroyTankList(TankList *list); // frees the tanks, the picture and the record; 1
+
+// Changes
+int addTank(TankList *list, Tank tank);    // 1, or 0 when there is no memory: dropped
+int removeTank(TankList *list, Tank tank); // by id; 1, or 0 when it is not in the list
+// One step of h seconds for all tanks; time is in seconds since start-up.
+void updateTank(TankList *list, Cube *cube, float h, Terrain *terrain, ShotList *shots, float time);
+void updateTankAI(Tank *tank, const Cube *cube, ShotList *shots, float time); // goals, and fire
+void updateTankPosition(Tank *tank, float h, int width, int resolution);      // turn and drive
+int checkTankCollision(Tank tank, Cube *cube, Terrain *terrain); // 1 when crushed, effects applied
+void settleTanks(TankList *list, const Terrain *terrain);        // puts every tank on the ground
+
+// Drawing
+void drawTank(const Tank *tank);   // hull and tracks at the origin; reads nothing of the tank
+void drawTurret(const Tank *tank); // turret and barrel, likewise
+void drawTanks(TankList *list, const Cube *cube, const Terrain *terrain); // settles, then draws

@@ -1,0 +1,52 @@
+// main.h - the game shell: the world's globals, start-up, the main loop, controls, the frame, the
+// sky, the text and quitting. World units, seconds, degrees.
+#pragma once
+
+#include "camera.h"
+#include "cube.h"
+#include "image.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
+#include "terrain.h"
+
+#include <cstdint>
+
+// The world. The lists are allocated at start-up; everything here is released by quit.
+extern Cube cb;
+extern Terrain ter;
+extern Camera cam;
+extern PeopleList *peopleLst;
+extern TankList *tankLst;
+extern ShotList *shotLst;
+
+extern uint8_t *keys;     // SDL's key states by key code, 1 while held; SDL owns them
+extern int VIEW_DISTANCE; // world units; the far plane and the end of the fog sit at half of it
+extern int SHADOW;        // 1 while the cube's shadow is drawn; cleared for good on slow machines
+extern int TERRAIN_DEFORMING;  // 1 while the ground gives way under the cube
+extern int WIRE_FRAME;         // 1: every polygon is drawn as lines
+extern int TRANSPARENCY;       // 1: people are picture boards; read while the horde is made
+extern int gameOver;           // 1 once the cube has been shot below its smallest size
+extern float shadowSwitchTime; // seconds spent below the full draw distance
+extern float ratio;            // width / height of the display
+extern float timeH;            // length of the last world step
+extern float skyBoxSize;       // half the edge of the sky box
+extern uint32_t skyBoxTexName; // OpenGL name of its texture
+extern TgaImage *skyBoxImage;  // owned
+
+// Start-up and the main loop; the arguments are ignored. Never returns: it leaves through quit.
+extern "C" int SDL_main(int argc, char **argv);
+// The OpenGL state that holds for the whole run, and the sky's texture. Call once, with a context.
+void setupOpengl(int width, int height);
+void processEvents();     // applies the held keys, drains the event queue; may quit
+[[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
+void handleKeyDown();     // turns the held keys into torque and heading of cb
+
+// The frame: steps the world, draws it, swaps the buffers.
+void drawScreen();
+void collideCubeTerrain(); // dents the ground under cb and pushes cb out of it
+void initSkyBoxTexture();  // from TexSkyBox.tga; without it the sky is drawn plain
+void drawSkyBox();         // around the eye, behind everything
+void displayScore();       // the texts take the current colour
+void displaySize();
+void displayGameOver();

@@ -5,9 +5,10 @@
 #include <GL/freeglut.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
-
 #include <SDL.h>
+
 #include <cmath>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -67,6 +68,7 @@ constexpr float SIZE_HEIGHT = 200.0f;
 // ---- start-up and quitting ----------------------------------------------------------------------
 
 static bool worldReleased = false;
+static bool displayClosed = false;
 
 static void releaseWorld()
 {
@@ -93,16 +95,18 @@ void quit()
 {
     releaseWorld();
     SDL_Quit();
+    displayClosed = true;
     exit(0);
 }
 
-// Xlib ends the process by itself when the connection to the display is lost. The world is released
-// all the same; SDL is left alone, since its display is gone.
+// Xlib ends the process by itself, with status 1, when the connection to the display is lost, also
+// while SDL closes it. The world is released all the same; SDL is left alone.
 static void leaveLostDisplay()
 {
-    if (worldReleased)
+    if (displayClosed)
         return;
-    releaseWorld();
+    if (!worldReleased)
+        releaseWorld();
     fflush(nullptr);
     _Exit(0);
 }
@@ -142,19 +146,19 @@ static void openDisplay()
         giveUp("Couldn't set Video Mode\n", stdout);
 }
 
-template <typename List> static List *allocateList(const char *failure)
+template <typename List> static List *allocateList(const char *failure, FILE *stream)
 {
     List *list = static_cast<List *>(calloc(1, sizeof(List)));
     if (!list)
-        giveUp(failure, stdout);
+        giveUp(failure, stream);
     return list;
 }
 
 static void makeWorld()
 {
-    peopleLst = allocateList<PeopleList>("Failed to allocate memory to people list\n");
-    tankLst = allocateList<TankList>("Failed to allocate memory to tank list\n");
-    shotLst = allocateList<ShotList>("Failed to allocate memory to shot list\n");
+    peopleLst = allocateList<PeopleList>("Failed to allocate memory to people list\n", stdout);
+    tankLst = allocateList<TankList>("Failed to allocate memory to tank list\n", stderr);
+    shotLst = allocateList<ShotList>("Failed to allocate memory to shot list\n", stderr);
     initCube(&cb);
     initCamera(&cam);
     if (!initTerrain(&ter))
@@ -169,6 +173,7 @@ static void makeWorld()
 
 int SDL_main(int, char **)
 {
+    signal(SIGPIPE, SIG_IGN); // a closed terminal must not end the game half-way through quitting
     atexit(leaveLostDisplay);
     srand(static_cast<unsigned>(time(nullptr)));
     setFlags();

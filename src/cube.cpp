@@ -4,6 +4,7 @@
 
 #include <GL/gl.h>
 
+#include <cmath>
 #include <cstdio>
 
 constexpr double GRAVITY = 200.0;      // units/s^2, along -y
@@ -82,16 +83,16 @@ Vector getCornerVelocity(const Cube *cube, int corner)
     return vectorAdd(cube->velocity, vectorCrossProduct(cube->angularVelocity, arm));
 }
 
-static bool isBetween(int value, double limit)
+static bool isBetween(double value, double limit)
 {
     return value > -limit && value < limit;
 }
 
 int cubeCrushes(const Cube *cube, Vector position)
 {
-    const int dx = truncateToInt(static_cast<double>(cube->position.x) - position.x);
-    const int dy = truncateToInt(static_cast<double>(cube->position.y) - position.y);
-    const int dz = truncateToInt(static_cast<double>(cube->position.z) - position.z);
+    const double dx = std::trunc(static_cast<double>(cube->position.x) - position.x);
+    const double dy = std::trunc(static_cast<double>(cube->position.y) - position.y);
+    const double dz = std::trunc(static_cast<double>(cube->position.z) - position.z);
     const double half = 0.5 * cube->size;
     return isBetween(dx, half) && isBetween(dy, cube->size) && isBetween(dz, half);
 }
@@ -215,11 +216,11 @@ constexpr float FACE_TEXTURE[4][2] = {{1, 0}, {1, 1}, {0, 1}, {0, 0}};
 
 static void setCubeSurface(const Cube *cube)
 {
-    constexpr float WHITE[] = {1, 1, 1, 1};
+    constexpr float WHITE[] = {1, 1, 1, 1}, SHININESS[] = {40};
     glColor4f(1, 1, 1, 1);
     glMaterialfv(GL_FRONT, GL_AMBIENT, WHITE);
     glMaterialfv(GL_FRONT, GL_SPECULAR, WHITE);
-    glMaterialf(GL_FRONT, GL_SHININESS, 40);
+    glMaterialfv(GL_FRONT, GL_SHININESS, SHININESS);
     glMaterialfv(GL_FRONT, GL_DIFFUSE, WHITE);
     glBindTexture(GL_TEXTURE_2D, cube->texture);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
@@ -231,7 +232,7 @@ static void setCubeSurface(const Cube *cube)
 
 static void emitVertex(Vector v)
 {
-    glVertex3fv(&v.x);
+    glVertex3f(v.x, v.y, v.z);
 }
 
 void drawCube(const Cube *cube)

@@ -131,6 +131,7 @@ static int loadPicture(const char *file, const char *loading, const char *initia
 {
     glGenTextures(1, texture);
     fputs(loading, stderr);
+    tgaDestroy(*image);
     *image = tgaLoad(file);
     if (tgaIsRGB(*image))
         tgaRGBTransparency(*image);

@@ -2,6 +2,7 @@
 
 #include <GL/gl.h>
 
+#include <cmath>
 #include <cstdlib>
 
 constexpr double SHOT_GRAVITY = 200.0; // units/s^2, along -y
@@ -61,16 +62,16 @@ void updateShotPosition(Shot *shot, float dt)
     shot->position.z = static_cast<float>(shot->position.z + 2.0 * shot->velocity.z * h);
 }
 
-static bool isBetween(int value, double limit)
+static bool isBetween(double value, double limit)
 {
     return value > -limit && value < limit;
 }
 
 int checkShotCollision(const Shot *shot, Cube *cube)
 {
-    const int dx = truncateToInt(static_cast<double>(cube->position.x) - shot->position.x);
-    const int dy = truncateToInt(static_cast<double>(cube->position.y) - shot->position.y);
-    const int dz = truncateToInt(static_cast<double>(cube->position.z) - shot->position.z);
+    const double dx = std::trunc(static_cast<double>(cube->position.x) - shot->position.x);
+    const double dy = std::trunc(static_cast<double>(cube->position.y) - shot->position.y);
+    const double dz = std::trunc(static_cast<double>(cube->position.z) - shot->position.z);
     const double half = cube->size / 2.0;
     if (!isBetween(dx, half) || !isBetween(dz, half) || !isBetween(dy, half))
         return 0;

@@ -101,6 +101,8 @@ void randomTankPlacement(TankList *list, int sizex, int sizez, int resolution)
 {
     const int extentX = sizex * resolution;
     const int extentZ = sizez * resolution;
+    if (extentX <= 0 || extentZ <= 0)
+        return;
     for (TankNode *node = list->head; node; node = node->next)
     {
         Tank &tank = node->tank;

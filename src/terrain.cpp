@@ -449,7 +449,8 @@ static void setGroundSurface(const Terrain *terrain)
 static void emitSample(const Terrain *terrain, int i, int j)
 {
     glTexCoord2f(static_cast<float>(i * TEXTURE_STEP), static_cast<float>(j * TEXTURE_STEP));
-    glNormal3fv(&terrain->normals[i][j].x);
+    const Vector &n = terrain->normals[i][j];
+    glNormal3f(n.x, n.y, n.z);
     glColor3fv(terrain->colours[i][j]);
     glVertex3f(static_cast<float>(i) * terrain->scale + terrain->worldWidth * -0.5f,
                terrain->map[i][j],

@@ -250,7 +250,7 @@ int tgaGrabScreenSeries(const char *prefix, int x0, int y0, int x1, int y1)
     constexpr int64_t LONGEST = std::numeric_limits<int16_t>::max();
     if (width <= 0 || height <= 0 || width > LONGEST || height > LONGEST)
         return TGA_ERROR_MEMORY;
-    uint8_t *pixels = static_cast<uint8_t *>(malloc(width * height * 4));
+    uint8_t *pixels = static_cast<uint8_t *>(calloc(width * height, 4));
     if (!pixels)
         return TGA_ERROR_MEMORY;
     glReadPixels(x0, y0, static_cast<GLsizei>(width), static_cast<GLsizei>(height), GL_RGBA,

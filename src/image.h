@@ -34,7 +34,7 @@ int tgaIsRGB(const TgaImage *image);
 // Loading. tgaLoad returns a record whatever the outcome, to be tested by its status and released
 // with tgaDestroy; null only when the record itself cannot be allocated.
 TgaImage *tgaLoad(const char *path);
-void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; unread fields keep their value
+void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; fields past the end are 0
 void tgaLoadImageData(FILE *stream, TgaImage *image); // fills imageData, which must be allocated
 void tgaDestroy(TgaImage *image);                     // accepts null
 
@@ -46,7 +46,8 @@ void tgaRGBTransparency(TgaImage *image); // pure magenta turns transparent blac
 // Saving. depth is in bits per pixel. Returns 1, and has then released pixels (a malloc buffer), or
 // TGA_ERROR_OPEN with the buffer left to the caller.
 int tgaSave(const char *path, int16_t width, int16_t height, uint8_t depth, uint8_t *pixels);
-// The same under "<prefix><number>.tga"; a failed save does not use up a number.
+// The same under "<prefix><number>.tga", or TGA_ERROR_MEMORY; a failed save does not use up a
+// number.
 int tgaSaveSeries(const char *prefix, int16_t width, int16_t height, uint8_t depth,
                   uint8_t *pixels);
 // Saves the rectangle from (x0, y0) up to (x1, y1) of the read buffer, origin at the bottom left,

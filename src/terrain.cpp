@@ -210,7 +210,7 @@ void deleteTerrain(Terrain *terrain)
 static int nearestSample(float world, float extent, float inverseScale, int samples)
 {
     const int i = truncateToInt((world + extent * 0.5) * inverseScale + 0.5);
-    return std::clamp(i, 0, samples - 1);
+    return i < 0 ? 0 : std::min(i, samples - 1);
 }
 
 int worldToTerrainX(const Terrain *terrain, float x)
@@ -310,7 +310,8 @@ void computeSelectedNormals(Terrain *terrain, int x0, int x1, int z0, int z1)
         for (int z = z0; z < z1; ++z)
             terrain->normals[x][z] = normal(gridPoint(terrain, x, z), gridPoint(terrain, x, z + 1),
                                             gridPoint(terrain, x + 1, z + 1));
-    if (x1 == terrain->width - 1 || z1 == terrain->height - 1)
+    const bool hasCells = terrain->width > 1 && terrain->height > 1;
+    if (hasCells && (x1 == terrain->width - 1 || z1 == terrain->height - 1))
         extendNormals(terrain);
 }
 
@@ -464,13 +465,17 @@ void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
     const float minZ = cz - size * 0.5f, maxZ = cz + size * 0.5f;
     glPushMatrix();
     setGroundSurface(terrain);
-    for (int i = 0; i + 1 < terrain->width; ++i)
+    // The square with a sample to spare each way; the comparisons below decide.
+    const int endI = std::min(worldToTerrainX(terrain, maxX) + 2, terrain->width - 1);
+    const int firstJ = std::max(worldToTerrainZ(terrain, minZ) - 1, 0);
+    const int endJ = std::min(worldToTerrainZ(terrain, maxZ) + 2, terrain->height);
+    for (int i = std::max(worldToTerrainX(terrain, minX) - 1, 0); i < endI; ++i)
     {
         const float xi = static_cast<float>(i) * terrain->scale + offX;
         if (xi < minX || xi > maxX)
             continue;
         glBegin(GL_TRIANGLE_STRIP);
-        for (int j = 0; j < terrain->height; ++j)
+        for (int j = firstJ; j < endJ; ++j)
         {
             const float zj = static_cast<float>(j) * terrain->scale + offZ;
             if (zj < minZ || zj > maxZ)

@@ -3,7 +3,8 @@
 
 // Units of the box, seen from the eye: each wall is 100 away, 200 wide and reaches from 85 below
 // the eye to 115 above it.
-constexpr int SKY_WIDTH = 2048;
+constexpr int SKY_WIDTH =
+    4096; // finer than the display: the dark edges of the walls fall between pixels
 constexpr int SKY_HEIGHT = 1024;
 constexpr float WALL = 200;
 constexpr float BELOW_EYE = 85;
@@ -24,9 +25,9 @@ constexpr float FLUFF = 0.30f;     // how far noise frays a cloud, in parts of a
 constexpr float HAZE[] = {-4, 28}; // units above the horizon between which clouds come out of haze
 constexpr float VEIL = 0.20f;      // strength of the thin high cloud
 
-// At the outer half of an outermost texel OpenGL's old clamping mixes in the border colour. Under a
-// border of the sky's colour the texels stay as they are; under a black one 1.15 hides it best.
-constexpr float EDGE_LIGHT = 1.0f;
+// At the outer half of an outermost texel OpenGL's old clamping mixes in the black border colour: a
+// brighter texel makes up for what is lost there, so that no line shows where walls meet.
+constexpr float EDGE_LIGHT = 1.2f;
 
 constexpr int PUFFS = 30; // of each cloud
 

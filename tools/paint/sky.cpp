@@ -3,8 +3,8 @@
 
 // Units of the box, seen from the eye: each wall is 100 away, 200 wide and reaches from 85 below
 // the eye to 115 above it.
-constexpr int SKY_WIDTH =
-    4096; // finer than the display: the dark edges of the walls fall between pixels
+// Finer than the display: the dark edges of the walls fall between its pixels.
+constexpr int SKY_WIDTH = 4096;
 constexpr int SKY_HEIGHT = 1024;
 constexpr float WALL = 200;
 constexpr float BELOW_EYE = 85;

@@ -1,0 +1,105 @@
+// fixtures.h - what the tests share: images written by hand, and a small world with its own clock.
+#pragma once
+
+#include "animate.h"
+#include "main.h"
+
+#include <SDL.h>
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+typedef std::vector<uint8_t> Bytes;
+typedef std::vector<double> Numbers;
+
+inline uint32_t fakeTicks = 0; // milliseconds, what SDL_GetTicks answers
+
+template <typename Value> void append(Numbers *numbers, Value value)
+{
+    if constexpr (std::is_same_v<Value, Vector>)
+        numbers->insert(numbers->end(), {value.x, value.y, value.z});
+    else
+        numbers->push_back(value);
+}
+
+// Compares numbers and vectors, in order, with the numbers expected.
+template <typename... Values>
+void expectNear(const Numbers &expected, double tolerance, Values... values)
+{
+    Numbers actual;
+    (append(&actual, values), ...);
+    ASSERT_EQ(actual.size(), expected.size());
+    for (size_t i = 0; i < actual.size(); ++i)
+        EXPECT_NEAR(actual[i], expected[i], tolerance) << "number " << i;
+}
+
+// A table of numbers; rows are parted by bars.
+inline std::vector<std::vector<float>> table(const char *text)
+{
+    std::vector<std::vector<float>> rows(1);
+    std::istringstream words(text);
+    for (std::string word; words >> word;)
+        word == "|" ? void(rows.emplace_back()) : rows.back().push_back(std::stof(word));
+    return rows;
+}
+
+// An uncompressed image of one pixel, given as stored, over and over.
+inline Bytes tga(int type, int width, int height, int depth, const Bytes &pixel, int count = 1)
+{
+    Bytes file = {0, 0, static_cast<uint8_t>(type), 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    for (int field : {width, width >> 8, height, height >> 8, depth, 0})
+        file.push_back(static_cast<uint8_t>(field));
+    for (int i = 0; i < count; ++i)
+        file.insert(file.end(), pixel.begin(), pixel.end());
+    return file;
+}
+
+inline void writeFile(const char *name, const Bytes &bytes)
+{
+    std::ofstream(name, std::ios::binary) << std::string(bytes.begin(), bytes.end());
+}
+
+// The world of the globals in a new working directory: a square of flat land at height 0, colours
+// 0.5; no people, tanks or shots, no key held, the clock at 0.
+struct World : testing::Test
+{
+    explicit World(int side = 210, int people = 0)
+    {
+        char folder[] = "/tmp/tumbledown-XXXXXX";
+        std::filesystem::current_path(mkdtemp(folder));
+        writeFile("Map.tga", tga(3, side, side, 8, {0}, side * side));
+        writeFile("MapTex.tga", tga(2, side, side, 32, {128, 128, 128, 0}, side * side));
+        writeFile("TexNoise.tga", tga(2, 1, 1, 24, {255, 255, 255}));
+        initTerrain(&ter);
+        peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
+        tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
+        shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
+        makeList(peopleLst, people, 512, 401, 25); // buckets of 51 units
+        keys = held;
+        fakeTicks = 0;
+        initAnimation();
+        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // takes the clock back to 0
+        cb = {};
+        initCube(&cb);
+        initCamera(&cam);
+        VIEW_DISTANCE = 5000;
+        SHADOW = TERRAIN_DEFORMING = 1;
+        gameOver = 0;
+        shadowSwitchTime = 0;
+    }
+    ~World() override
+    {
+        destroyPersonList(peopleLst);
+        destroyTankList(tankLst);
+        destroyShotList(shotLst);
+        deleteTerrain(&ter);
+        destroyCube(&cb);
+        ter = {};
+        std::filesystem::remove_all(std::filesystem::current_path());
+        std::filesystem::current_path("/");
+    }
+
+    uint8_t held[SDLK_LAST] = {};
+};

@@ -1,0 +1,74 @@
+// Feeds arbitrary bytes to the image module as files: load, convert, save, load again.
+#include "image.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <sanitizer/allocator_interface.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+constexpr size_t STREAM_BUFFER = 4096; // what stdio allocates for a stream
+
+constexpr char INPUT[] = "/proc/self/fd/100", OUTPUT[] = "/proc/self/fd/101"; // files in memory
+
+static size_t largestRequest = 0;
+
+static void require(bool holds)
+{
+    if (!holds)
+        abort();
+}
+
+static size_t pixelBytes(const TgaImage *image)
+{
+    return static_cast<size_t>(image->width * image->height) * tgaBytesPerPixel(image);
+}
+
+// What a load gives back after a save of the same pixels.
+static TgaImage *saveAndLoadAgain(const TgaImage *image)
+{
+    uint8_t *copy = static_cast<uint8_t *>(malloc(pixelBytes(image) + 1));
+    memcpy(copy, image->imageData, pixelBytes(image));
+    require(tgaSave(OUTPUT, image->width, image->height, image->pixelDepth, copy) == TGA_OK);
+    TgaImage *again = tgaLoad(OUTPUT);
+    require(again->status == TGA_OK && again->width == image->width);
+    require(again->height == image->height && again->pixelDepth == image->pixelDepth);
+    require(memcmp(again->imageData, image->imageData, pixelBytes(image)) == 0);
+    return again;
+}
+
+static void useImage(TgaImage *image)
+{
+    TgaImage *keyed = saveAndLoadAgain(image);
+    tgaRGBTransparency(keyed); // makes four bytes of three
+    tgaDestroy(saveAndLoadAgain(keyed));
+    tgaDestroy(keyed);
+    tgaRGBtoGreyscale(image);
+    tgaDestroy(saveAndLoadAgain(image));
+}
+
+extern "C" int LLVMFuzzerInitialize(int *, char ***)
+{
+    require(dup2(memfd_create("input", 0), 100) == 100);
+    require(dup2(memfd_create("output", 0), 101) == 101);
+    const auto note = [](const volatile void *, size_t size)
+    { largestRequest = std::max(largestRequest, size); };
+    require(__sanitizer_install_malloc_and_free_hooks(note, [](const volatile void *) {}) > 0);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    require(ftruncate(100, 0) == 0);
+    require(pwrite(100, data, size, 0) == static_cast<ssize_t>(size));
+    largestRequest = 0;
+    TgaImage *image = tgaLoad(INPUT);
+    require(image->status >= TGA_ERROR_READ && image->status <= TGA_OK && image->status != 0);
+    require((image->status == TGA_OK) == (image->imageData != nullptr));
+    if (image->status == TGA_OK)
+        useImage(image);
+    tgaDestroy(image);
+    require(largestRequest <= std::max(size / 3 * 4, STREAM_BUFFER));
+    return 0;
+}

@@ -5,7 +5,7 @@
 // the eye to 115 above it.
 // Finer than the display: the dark edges of the walls fall between its pixels.
 constexpr int SKY_WIDTH = 4096;
-constexpr int SKY_HEIGHT = 1024;
+constexpr int SKY_HEIGHT = 2048;
 constexpr float WALL = 200;
 constexpr float BELOW_EYE = 85;
 constexpr float TOP = WALL - BELOW_EYE;

@@ -5,7 +5,6 @@
 #include <GL/gl.h>
 
 #include <cmath>
-#include <cstdio>
 
 constexpr double GRAVITY = 200.0;      // units/s^2, along -y
 constexpr float SMALLEST_SIZE = 50.0f; // below it the game is over
@@ -36,22 +35,7 @@ void initCube(Cube *cube)
     cube->force = vectorInit(0, 0, 0);
     cube->torque = vectorInit(0, 0, 0);
 
-    glGenTextures(1, &cube->texture);
-    fputs("Loading cube texture...\n", stderr);
-    cube->image = tgaLoad("TexCube.tga");
-    if (!tgaIsRGB(cube->image))
-    {
-        fputs("   ...couldn't load TGA\n", stderr);
-        return;
-    }
-    fputs("   ...done\n", stderr);
-    glBindTexture(GL_TEXTURE_2D, cube->texture);
-    fputs("Initialising texture...\n", stderr);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, cube->image->width, cube->image->height, 0, GL_RGB,
-                 GL_UNSIGNED_BYTE, cube->image->imageData);
-    fputs("   ...done\n", stderr);
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    loadTexture("Loading cube texture...\n", "TexCube.tga", GL_RGBA, &cube->image, &cube->texture);
 }
 
 void destroyCube(Cube *cube)
@@ -222,12 +206,7 @@ static void setCubeSurface(const Cube *cube)
     glMaterialfv(GL_FRONT, GL_SPECULAR, WHITE);
     glMaterialfv(GL_FRONT, GL_SHININESS, SHININESS);
     glMaterialfv(GL_FRONT, GL_DIFFUSE, WHITE);
-    glBindTexture(GL_TEXTURE_2D, cube->texture);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    useTexture(cube->texture, GL_MODULATE, GL_CLAMP);
 }
 
 static void emitVertex(Vector v)

@@ -461,27 +461,47 @@ void drawScreen()
     SDL_GL_SwapBuffers();
 }
 
+// ---- textures -----------------------------------------------------------------------------------
+
+int loadTexture(const char *loadingLine, const char *file, int internalFormat, TgaImage **image,
+                uint32_t *texture)
+{
+    glGenTextures(1, texture);
+    fputs(loadingLine, stderr);
+    *image = tgaLoad(file);
+    if (!tgaIsRGB(*image))
+    {
+        fputs("   ...couldn't load TGA\n", stderr);
+        return 0;
+    }
+    fputs("   ...done\n", stderr);
+    glBindTexture(GL_TEXTURE_2D, *texture);
+    fputs("Initialising texture...\n", stderr);
+    glTexImage2D(GL_TEXTURE_2D, 0, internalFormat, (*image)->width, (*image)->height, 0, GL_RGB,
+                 GL_UNSIGNED_BYTE, (*image)->imageData);
+    fputs("   ...done\n", stderr);
+    glEnable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    return 1;
+}
+
+void useTexture(uint32_t texture, int environment, int wrap)
+{
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, environment);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, wrap);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, wrap);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+}
+
 // ---- sky ----------------------------------------------------------------------------------------
 
 void initSkyBoxTexture()
 {
     skyBoxSize = 100;
-    glGenTextures(1, &skyBoxTexName);
-    fputs("Loading skybox texture...\n", stderr);
-    skyBoxImage = tgaLoad("TexSkyBox.tga");
-    if (!tgaIsRGB(skyBoxImage))
-    {
-        fputs("   ...couldn't load TGA\n", stderr);
-        return;
-    }
-    fputs("   ...done\n", stderr);
-    glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
-    fputs("Initialising texture...\n", stderr);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, skyBoxImage->width, skyBoxImage->height, 0, GL_RGB,
-                 GL_UNSIGNED_BYTE, skyBoxImage->imageData);
-    fputs("   ...done\n", stderr);
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
+    loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
+                &skyBoxTexName);
 }
 
 namespace
@@ -516,16 +536,6 @@ constexpr SkyFace SKY_FACES[] = {
      {{0, 0}, {0, 0}, {0, 0}, {0, 0}}},
 };
 
-static void setSkyTexture()
-{
-    glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-}
-
 static void emitSkyFace(const SkyFace &face)
 {
     glNormal3fv(face.normal);
@@ -542,7 +552,7 @@ void drawSkyBox()
     glDisable(GL_LIGHTING);
     glDisable(GL_FOG);
     glDisable(GL_DEPTH_TEST); // which also keeps the box out of the depth buffer
-    setSkyTexture();
+    useTexture(skyBoxTexName, GL_REPLACE, GL_CLAMP);
     glPushMatrix();
     glTranslatef(cam.position.x, cam.position.y + SKY_ABOVE_EYE, cam.position.z);
     glBegin(GL_QUADS);

@@ -5,7 +5,6 @@
 #include <GL/gl.h>
 
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 
 constexpr float FIRING_RANGE = 500.0f; // in the ground plane
@@ -57,27 +56,6 @@ static uint32_t compileModel(void (*draw)(const Tank *), const Tank *tank)
     return list;
 }
 
-static int loadAtlas(TankList *list)
-{
-    glGenTextures(1, &list->texture);
-    fputs("Loading Tank texture...\n", stderr);
-    list->image = tgaLoad("TexTank.tga");
-    if (!tgaIsRGB(list->image))
-    {
-        fputs("   ...couldn't load TGA\n", stderr);
-        return 0;
-    }
-    fputs("   ...done\n", stderr);
-    glBindTexture(GL_TEXTURE_2D, list->texture);
-    fputs("Initialising texture...\n", stderr);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, list->image->width, list->image->height, 0, GL_RGB,
-                 GL_UNSIGNED_BYTE, list->image->imageData);
-    fputs("   ...done\n", stderr);
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    return 1;
-}
-
 int makeTankList(TankList *list, int n)
 {
     if (!list)
@@ -87,7 +65,8 @@ int makeTankList(TankList *list, int n)
     list->hullList = compileModel(drawTank, &tank);
     list->turretList = compileModel(drawTurret, &tank);
     list->head = nullptr;
-    if (!loadAtlas(list))
+    if (!loadTexture("Loading Tank texture...\n", "TexTank.tga", GL_RGBA, &list->image,
+                     &list->texture))
         return 0;
     for (int id = 0; id < n; ++id)
     {
@@ -417,12 +396,7 @@ static void setTankSurface(const TankList *list)
     glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, WHITE);
     glMaterialf(GL_FRONT_AND_BACK, GL_SHININESS, 20);
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, WHITE);
-    glBindTexture(GL_TEXTURE_2D, list->texture);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    useTexture(list->texture, GL_MODULATE, GL_REPEAT);
 }
 
 // Turns the model's up axis onto the ground's normal.

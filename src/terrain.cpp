@@ -1,5 +1,7 @@
 #include "terrain.h"
 
+#include "main.h"
+
 #include <GL/gl.h>
 
 #include <algorithm>
@@ -135,24 +137,6 @@ static int buildSamples(Terrain *terrain)
     return built;
 }
 
-static int loadGroundTexture(Terrain *terrain)
-{
-    glGenTextures(1, &terrain->texture);
-    fputs("Loading terrain texture...\n", stderr);
-    terrain->image = tgaLoad("TexNoise.tga");
-    if (!tgaIsRGB(terrain->image))
-        return fail("   ...couldn't load TGA\n");
-    fputs("   ...done\n", stderr);
-    glBindTexture(GL_TEXTURE_2D, terrain->texture);
-    fputs("Initialising texture...\n", stderr);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, terrain->image->width, terrain->image->height, 0,
-                 GL_RGB, GL_UNSIGNED_BYTE, terrain->image->imageData);
-    fputs("   ...done\n", stderr);
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    return 1;
-}
-
 static int compileBlocks(Terrain *terrain)
 {
     terrain->blocksX = terrain->width / BLOCK_SIDE;
@@ -186,7 +170,9 @@ int initTerrain(Terrain *terrain)
     fputs("Computing Terrain Normals\n", stderr);
     computeTerrainNormals(terrain);
     fputs("   ...done\n", stderr);
-    return loadGroundTexture(terrain) && compileBlocks(terrain);
+    return loadTexture("Loading terrain texture...\n", "TexNoise.tga", GL_RGBA, &terrain->image,
+                       &terrain->texture) &&
+           compileBlocks(terrain);
 }
 
 void deleteTerrain(Terrain *terrain)
@@ -439,12 +425,7 @@ static void setGroundSurface(const Terrain *terrain)
     glMaterialfv(GL_FRONT, GL_SPECULAR, WHITE);
     glMaterialfv(GL_FRONT, GL_DIFFUSE, WHITE);
     glMaterialf(GL_FRONT, GL_SHININESS, 10);
-    glBindTexture(GL_TEXTURE_2D, terrain->texture);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_REPEAT);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    useTexture(terrain->texture, GL_MODULATE, GL_REPEAT);
 }
 
 static void emitSample(const Terrain *terrain, int i, int j)

@@ -17,27 +17,14 @@ SHARE='%[fx:mean]' # of the pixels that a filter leaves white
 begin()
 {
     openDisplay "$TAKEN"
-    startGame "$PWD/build/release/tumbledown" data FAKETIME="+0 x$SPEED" \
-        LD_PRELOAD="/usr/lib/$(gcc -print-multiarch)/faketime/libfaketime.so.1"
+    startSlowGame "$PWD/build/release/tumbledown" data "$SPEED"
     waitForPlay || fail "the game did not come to be played"
-}
-
-hasLanded()
-{
-    [[ $(cubeVector Force) != "0 0 0" ]]
-}
-
-waitForLanding()
-{
-    xdotool keydown i
-    waitFor 120 hasLanded || fail "the cube does not land"
-    xdotool keyup i
 }
 
 takeLanding()
 {
     begin
-    waitForLanding
+    waitForLanding || fail "the cube does not land"
     grab "$TAKEN/landing.ppm"
     closeDisplay
 }
@@ -46,7 +33,7 @@ takeGame() # NUMBER
 {
     local shot
     begin
-    waitForLanding
+    waitForLanding || fail "the cube does not land"
     xdotool keydown Up
     for ((shot = 10; shot < 10 + SHOTS; ++shot)); do
         sleep 1
@@ -82,7 +69,7 @@ keep() # PICTURE NAME
     echo "$KEPT/$2.jpg"
 }
 
-installPackages "${BUILD_PACKAGES[@]}" "${DISPLAY_PACKAGES[@]}" faketime
+installPackages "${BUILD_PACKAGES[@]}" "${DISPLAY_PACKAGES[@]}"
 build release
 rm -rf "$TAKEN"
 mkdir -p "$TAKEN" "$KEPT"

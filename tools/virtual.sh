@@ -60,6 +60,13 @@ startGame() # PROGRAM FOLDER [VARIABLE=VALUE...]
     gamePid=$!
 }
 
+# With a slowed clock software rendering, too, gives the world the small steps that it is made for.
+startSlowGame() # PROGRAM FOLDER SPEED, in game seconds to a second
+{
+    startGame "$1" "$2" FAKETIME="+0 x$3" \
+        LD_PRELOAD="/usr/lib/$(gcc -print-multiarch)/faketime/libfaketime.so.1"
+}
+
 hasEnded()
 {
     ! kill -0 "$gamePid"
@@ -116,4 +123,18 @@ hold() # KEY SECONDS
 grab() # FILE
 {
     import -window root "$1" || complain "no picture could be taken"
+}
+
+hasLanded()
+{
+    local force
+    force=$(cubeVector Force)
+    [[ -n $force && $force != "0 0 0" ]]
+}
+
+waitForLanding()
+{
+    xdotool keydown i
+    waitFor 120 hasLanded || complain "the cube does not land" || return
+    xdotool keyup i
 }

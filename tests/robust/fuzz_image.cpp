@@ -38,16 +38,6 @@ static TgaImage *saveAndLoadAgain(const TgaImage *image)
     return again;
 }
 
-static void useImage(TgaImage *image)
-{
-    TgaImage *keyed = saveAndLoadAgain(image);
-    tgaRGBTransparency(keyed); // makes four bytes of three
-    tgaDestroy(saveAndLoadAgain(keyed));
-    tgaDestroy(keyed);
-    tgaRGBtoGreyscale(image);
-    tgaDestroy(saveAndLoadAgain(image));
-}
-
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
     require(dup2(memfd_create("input", 0), 100) == 100);
@@ -67,7 +57,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(image->status >= TGA_ERROR_READ && image->status <= TGA_OK && image->status != 0);
     require((image->status == TGA_OK) == (image->imageData != nullptr));
     if (image->status == TGA_OK)
-        useImage(image);
+    {
+        TgaImage *keyed = saveAndLoadAgain(image);
+        tgaRGBTransparency(keyed); // makes four bytes of three
+        tgaDestroy(saveAndLoadAgain(keyed));
+        tgaDestroy(keyed);
+        tgaRGBtoGreyscale(image);
+        tgaDestroy(saveAndLoadAgain(image));
+    }
     tgaDestroy(image);
     require(largestRequest <= std::max(size / 3 * 4, STREAM_BUFFER));
     return 0;

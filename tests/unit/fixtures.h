@@ -16,20 +16,19 @@ typedef std::vector<double> Numbers;
 
 inline uint32_t fakeTicks = 0; // milliseconds, what SDL_GetTicks answers
 
-template <typename Value> void append(Numbers *numbers, Value value)
-{
-    if constexpr (std::is_same_v<Value, Vector>)
-        numbers->insert(numbers->end(), {value.x, value.y, value.z});
-    else
-        numbers->push_back(value);
-}
-
 // Compares numbers and vectors, in order, with the numbers expected.
 template <typename... Values>
 void expectNear(const Numbers &expected, double tolerance, Values... values)
 {
     Numbers actual;
-    (append(&actual, values), ...);
+    const auto append = [&](auto value)
+    {
+        if constexpr (std::is_same_v<decltype(value), Vector>)
+            actual.insert(actual.end(), {value.x, value.y, value.z});
+        else
+            actual.push_back(value);
+    };
+    (append(values), ...);
     ASSERT_EQ(actual.size(), expected.size());
     for (size_t i = 0; i < actual.size(); ++i)
         EXPECT_NEAR(actual[i], expected[i], tolerance) << "number " << i;
@@ -61,45 +60,54 @@ inline void writeFile(const char *name, const Bytes &bytes)
     std::ofstream(name, std::ios::binary) << std::string(bytes.begin(), bytes.end());
 }
 
-// The world of the globals in a new working directory: a square of flat land at height 0, colours
-// 0.5; no people, tanks or shots, no key held, the clock at 0.
-struct World : testing::Test
+// The world of the globals, empty, in a new working directory; no key is held.
+struct EmptyWorld : testing::Test
 {
-    explicit World(int side = 210, int people = 0)
+    EmptyWorld()
     {
         char folder[] = "/tmp/tumbledown-XXXXXX";
         std::filesystem::current_path(mkdtemp(folder));
-        writeFile("Map.tga", tga(3, side, side, 8, {0}, side * side));
-        writeFile("MapTex.tga", tga(2, side, side, 32, {128, 128, 128, 0}, side * side));
-        writeFile("TexNoise.tga", tga(2, 1, 1, 24, {255, 255, 255}));
-        initTerrain(&ter);
         peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
         tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
         shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
-        makeList(peopleLst, people, 512, 401, 25); // buckets of 51 units
-        keys = held;
-        fakeTicks = 0;
-        initAnimation();
-        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // takes the clock back to 0
         cb = {};
-        initCube(&cb);
-        initCamera(&cam);
+        ter = {};
+        keys = held;
         VIEW_DISTANCE = 5000;
         SHADOW = TERRAIN_DEFORMING = 1;
-        gameOver = 0;
+        WIRE_FRAME = TRANSPARENCY = gameOver = 0;
         shadowSwitchTime = 0;
     }
-    ~World() override
+    ~EmptyWorld() override
     {
         destroyPersonList(peopleLst);
         destroyTankList(tankLst);
         destroyShotList(shotLst);
         deleteTerrain(&ter);
         destroyCube(&cb);
-        ter = {};
         std::filesystem::remove_all(std::filesystem::current_path());
         std::filesystem::current_path("/");
     }
 
     uint8_t held[SDLK_LAST] = {};
+};
+
+// A square of flat land at height 0, of one colour, with the cube above it and the clock at 0.
+struct World : EmptyWorld
+{
+    World()
+    {
+        writeFile("Map.tga", tga(2, 210, 210, 32, {9, 9, 9, 0}, 210 * 210)); // its last byte
+        writeFile("MapTex.tga", tga(2, 210, 210, 32, {64, 128, 192, 0}, 210 * 210));
+        writeFile("TexNoise.tga", tga(2, 1, 1, 24, {255, 255, 255}));
+        initTerrain(&ter);
+        makeList(peopleLst, 0, 512, 401, 25); // buckets of 51 units
+        fakeTicks = 0;
+        initAnimation();
+        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // takes the clock back to 0
+        gameOver = 0;
+        cb = {};
+        initCube(&cb);
+        initCamera(&cam);
+    }
 };

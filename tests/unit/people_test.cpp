@@ -103,39 +103,5 @@ TEST_F(World, CubeCrushesWhatItsBoxCoversAndPeopleMoveOnceAStep)
     ASSERT_EQ(chain(126, 136), "1");
     expectNear({95, 1, 20, 102}, 0, (*peopleLst->buckets[126 * 250 + 136])->person.position.x,
                peopleLst->count, cb.score, cb.targetSize);
-    EXPECT_NEAR(ter.colours[105][81][0], 0.591, 1e-6) << "twice 70 % of the way from 0.5 to 0.6";
-}
-
-struct RealLand : World
-{
-    RealLand() : World(512, 20000)
-    {
-    }
-};
-
-TEST_F(RealLand, CrowdIsConservedOverThousandsOfSteps)
-{
-    for (int i = 0; i < 300; ++i)
-        addTank(tankLst, {i, 0, {}, 100, 100, 0, 0, 0, 0, 10, 0});
-    randomTankPlacement(tankLst, 512, 512, 25);
-    VIEW_DISTANCE = 1000;
-    held[SDLK_UP] = 1;
-    for (int step = 0; step < 3000; ++step)
-    {
-        if (step % 250 == 0)
-            cb.position = {rand() % 8000 - 4000.0f, 300, rand() % 8000 - 4000.0f};
-        fakeTicks += 30;
-        handleKeyDown();
-        drawScreen();
-    }
-    int tanks = 0, people = 0;
-    Bytes seen(20000);
-    for (const TankNode *node = tankLst->head; node; node = node->next)
-        ++tanks;
-    for (int b = 0; b < 250 * 250; ++b)
-        for (PersonNode *node = *peopleLst->buckets[b]; node; node = node->next, ++people)
-            ASSERT_EQ(++seen[node->person.id], 1);
-    EXPECT_LT(people, 20000);
-    expectNear({1.0 * people, (20000 - people) * 10.0 + (300 - tanks) * 50}, 0, peopleLst->count,
-               cb.score);
+    EXPECT_NEAR(ter.colours[105][81][0], 0.6135, 1e-6) << "twice 70 % of the way from 0.75 to 0.6";
 }

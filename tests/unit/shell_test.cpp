@@ -1,14 +1,5 @@
 #include "fixtures.h"
 
-extern "C" uint32_t __wrap_SDL_GetTicks()
-{
-    return fakeTicks;
-}
-
-extern "C" void __wrap_SDL_GL_SwapBuffers()
-{
-}
-
 static void frames(int count, int milliseconds)
 {
     for (; count > 0; --count)
@@ -40,7 +31,7 @@ TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
     EXPECT_NEAR(cb.torque.y, -270e8, 1e4) << "the brake acts about y too";
 }
 
-TEST_F(World, IPrintsTheDiagnosticBlockAndEscapeQuits)
+TEST_F(World, IPrintsTheDiagnosticBlock)
 {
     held[SDLK_i] = 1;
     timeH = 0.2f;
@@ -54,9 +45,6 @@ TEST_F(World, IPrintsTheDiagnosticBlockAndEscapeQuits)
               "\tVelocity: (0,0,0)\n\tForce: (4,5,6)\n\tTorque: (4,5,6)\n"
               "\tMomentum: (0,0,1000000000)\n\tAngular Momentum: (4,5,6)\n"
               "\nCamera Information:\n\tPosition: (-200,500,-4000)\n");
-    held[SDLK_ESCAPE] = 1;
-    EXPECT_EXIT(handleKeyDown(), testing::ExitedWithCode(0),
-                "Quitting\n.*People.*Tanks.*Shots.*Terrain.*done\n$");
 }
 
 TEST_F(World, CameraEasesTowardsAPlaceBehindTheCube)
@@ -94,14 +82,4 @@ TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)
     EXPECT_EQ(VIEW_DISTANCE, 4500) << "the floor";
     frames(102, 10);
     expectNear({5010, 0}, 0, VIEW_DISTANCE, SHADOW);
-}
-
-TEST_F(World, ViewCirclesTheCubeHighAboveTheGroundAtGameOver)
-{
-    for (int i = 0; i < 210 * 210; ++i)
-        ter.map[i / 210][i % 210] = 40;
-    cam.position = cb.position = {0, 0, 0};
-    cb.size = 49;
-    frames(1, 50);
-    expectNear({1, 89.1, 1040}, 1e-3, gameOver, cb.heading, cam.target.y);
 }

@@ -31,7 +31,7 @@ TEST_F(World, ShotsFlyAndLeaveACraterWhereTheySink)
     const Shot *first = shotLst->head->next->next;
     expectNear({20, 6, 0, 100, 60, 0}, 1e-4, first->position, first->velocity);
     shotLst->head->next->position.y = 0; // exactly on the ground it flies on
-    landShots(shotLst, &ter);
+    drawShots(shotLst, &ter);
     EXPECT_EQ(ids(), "10");
     expectNear({-8, -3, 0}, 1e-5, ter.map[209][105], ter.map[208][104], ter.map[126][105]);
 }

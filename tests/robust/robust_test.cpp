@@ -137,7 +137,8 @@ static void playGame(const Play &script)
 // The log is a regular expression.
 static void expectGame(const Play &script, const std::string &log)
 {
-    EXPECT_EXIT(playGame(script), testing::ExitedWithCode(0), log + contents("/quit.log") + "$");
+    static const std::string quitting = contents("/quit.log");
+    EXPECT_EXIT(playGame(script), testing::ExitedWithCode(0), log + quitting + "$");
 }
 
 // Holds the keys that roll the cube to a place.
@@ -335,9 +336,10 @@ TEST(HostileFolder, IsReportedAndTakesNoMoreMemoryThanItHolds)
             if (which == "maps")
                 held += spoil("MapTex.tga", how.substr(how.find('&') + 1));
             largest = std::max(largest, held);
+            const std::string log = expectedLog(i, fault, end == "used");
             setfsuid(65534); // permissions hold for nobody, if not for root
             prctl(PR_SET_DUMPABLE, 1);
-            expectGame({}, expectedLog(i, fault, end == "used"));
+            expectGame({}, log);
             setfsuid(0);
             EXPECT_LT(peakKilobytes(RUSAGE_CHILDREN), usual + ROBUST_SLACK + 12 * largest);
         }

@@ -72,13 +72,18 @@ static bool isBetween(double value, double limit)
     return value > -limit && value < limit;
 }
 
-int cubeCrushes(const Cube *cube, Vector position)
+int cubeCovers(const Cube *cube, Vector position, double reach)
 {
     const double dx = std::trunc(static_cast<double>(cube->position.x) - position.x);
     const double dy = std::trunc(static_cast<double>(cube->position.y) - position.y);
     const double dz = std::trunc(static_cast<double>(cube->position.z) - position.z);
     const double half = 0.5 * cube->size;
-    return isBetween(dx, half) && isBetween(dy, cube->size) && isBetween(dz, half);
+    return isBetween(dx, half) && isBetween(dz, half) && isBetween(dy, reach);
+}
+
+int cubeCrushes(const Cube *cube, Vector position)
+{
+    return cubeCovers(cube, position, cube->size);
 }
 
 static void applyGravity(Cube *cube, float dt)

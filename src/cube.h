@@ -43,8 +43,10 @@ void destroyCube(Cube *cube);
 Vector getCornerNoRotation(const Cube *cube, int corner); // in the body frame
 Vector getCorner(const Cube *cube, int corner);           // in the world
 Vector getCornerVelocity(const Cube *cube, int corner);   // in the world, of the last step
-// 1 when a body standing at position is under the cube: within half an edge of its centre along x
-// and z and within a whole edge along y, the offsets cut to whole units; else 0.
+// 1 when position lies less than half an edge from the centre along x and z and less than reach
+// along y, the offsets cut to whole units; else 0.
+int cubeCovers(const Cube *cube, Vector position, double reach);
+// The same for a body on the ground, which a cube a whole edge above or below it still crushes.
 int cubeCrushes(const Cube *cube, Vector position);
 
 // Changes

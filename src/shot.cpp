@@ -2,7 +2,6 @@
 
 #include <GL/gl.h>
 
-#include <cmath>
 #include <cstdlib>
 
 constexpr double SHOT_GRAVITY = 200.0; // units/s^2, along -y
@@ -62,18 +61,9 @@ void updateShotPosition(Shot *shot, float dt)
     shot->position.z = static_cast<float>(shot->position.z + 2.0 * shot->velocity.z * h);
 }
 
-static bool isBetween(double value, double limit)
-{
-    return value > -limit && value < limit;
-}
-
 int checkShotCollision(const Shot *shot, Cube *cube)
 {
-    const double dx = std::trunc(static_cast<double>(cube->position.x) - shot->position.x);
-    const double dy = std::trunc(static_cast<double>(cube->position.y) - shot->position.y);
-    const double dz = std::trunc(static_cast<double>(cube->position.z) - shot->position.z);
-    const double half = cube->size / 2.0;
-    if (!isBetween(dx, half) || !isBetween(dz, half) || !isBetween(dy, half))
+    if (!cubeCovers(cube, shot->position, 0.5 * cube->size))
         return 0;
     cube->targetSize -= HIT_PENALTY;
     const Vector push = vectorMultiply(normalizeVector(shot->velocity),

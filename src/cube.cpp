@@ -1,6 +1,7 @@
 #include "cube.h"
 
 #include "main.h"
+#include "texture.h"
 
 #include <GL/gl.h>
 

@@ -42,15 +42,6 @@ void processEvents();     // applies the held keys, drains the event queue; may 
 [[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
 void handleKeyDown();     // turns the held keys into torque and heading of cb
 
-// Textures of RGB images, for every module that draws with one.
-// Names a texture, loads the file and uploads it under that internal format; loadingLine and what
-// follows go to standard error. Returns 1, or 0 when the file holds no RGB image: the texture then
-// stays empty, which draws untextured. The caller owns *image either way.
-int loadTexture(const char *loadingLine, const char *file, int internalFormat, TgaImage **image,
-                uint32_t *texture);
-// Binds it with an environment mode, the same wrap mode in s and t, and linear filters.
-void useTexture(uint32_t texture, int environment, int wrap);
-
 // The frame: steps the world, draws it, swaps the buffers.
 void drawScreen();
 void collideCubeTerrain(); // dents the ground under cb and pushes cb out of it

@@ -1,6 +1,7 @@
 #include "tank.h"
 
 #include "main.h"
+#include "texture.h"
 
 #include <GL/gl.h>
 

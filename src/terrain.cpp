@@ -1,6 +1,6 @@
 #include "terrain.h"
 
-#include "main.h"
+#include "texture.h"
 
 #include <GL/gl.h>
 

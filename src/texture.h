@@ -1,0 +1,15 @@
+// texture.h - textures of RGB images: what the sky, the ground, the cube and the tanks are drawn
+// with. Wants an OpenGL context.
+#pragma once
+
+#include "image.h"
+
+#include <cstdint>
+
+// Names a texture, loads the file and uploads it under that internal format; loadingLine and what
+// follows go to standard error. Returns 1, or 0 when the file holds no RGB image: the texture then
+// stays empty, which draws untextured. The caller owns *image either way.
+int loadTexture(const char *loadingLine, const char *file, int internalFormat, TgaImage **image,
+                uint32_t *texture);
+// Binds it with an environment mode, the same wrap mode in s and t, and linear filters.
+void useTexture(uint32_t texture, int environment, int wrap);

@@ -467,8 +467,15 @@ void drawScreen()
 void initSkyBoxTexture()
 {
     skyBoxSize = 100;
-    loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
-                &skyBoxTexName);
+    if (!loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
+                     &skyBoxTexName))
+        return;
+    // GL_CLAMP mixes the border into all edges of the walls: black, its default, would line them.
+    const uint8_t *first = skyBoxImage->imageData;
+    const float border[] = {first[0] / 255.0f, first[1] / 255.0f, first[2] / 255.0f, 1};
+    glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
+    glTexParameterfv(GL_TEXTURE_2D, GL_TEXTURE_BORDER_COLOR, border);
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 namespace

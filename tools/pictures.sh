@@ -42,7 +42,7 @@ takeGame() # NUMBER
     closeDisplay
 }
 
-people() # PICTURE: they are the black in it; black at the edges of the sky is no person
+people() # PICTURE: they are the black in its lower part
 {
     convert "$1" -gravity south -crop 100x55%+0+0 -threshold 6% -negate -colorspace gray \
         -format "$SHARE" info:

@@ -87,6 +87,17 @@ int cubeCrushes(const Cube *cube, Vector position)
     return cubeCovers(cube, position, cube->size);
 }
 
+static Vector farBelow(Vector corner)
+{
+    const Vector down = vectorInit(corner.x, static_cast<float>(corner.y - FAR_BELOW), corner.z);
+    return vectorMultiply(normalizeVector(down), static_cast<float>(FAR_BELOW));
+}
+
+Vector getShadowEnd(const Cube *cube, int corner)
+{
+    return farBelow(getCorner(cube, corner));
+}
+
 static void applyGravity(Cube *cube, float dt)
 {
     cube->momentum.y = static_cast<float>(cube->momentum.y - dt * GRAVITY * cube->mass);
@@ -252,12 +263,6 @@ constexpr float SHADOW_BOX[24][3] = {
     {-1, 1, 1},   {-1, 1, -1}, {1, 1, -1},   {1, 1, 1},    // y = +
     {1, -1, 1},   {1, -1, -1}, {-1, -1, -1}, {-1, -1, 1},  // y = -
 };
-
-static Vector farBelow(Vector corner)
-{
-    const Vector down = vectorInit(corner.x, static_cast<float>(corner.y - FAR_BELOW), corner.z);
-    return vectorMultiply(normalizeVector(down), static_cast<float>(FAR_BELOW));
-}
 
 void renderShadowVolume(const Cube *cube, int a, int b, int c, int d)
 {

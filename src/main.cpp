@@ -2,6 +2,7 @@
 
 #include "animate.h"
 #include "texture.h"
+#include "view.h"
 
 #include <GL/freeglut.h>
 #include <GL/gl.h>
@@ -393,11 +394,16 @@ static void raiseCameraGoal()
     cam.target.y = getHeightAt(&ter, cam.position.x, cam.position.z) + cam.followDistance;
 }
 
-static void lookAtCube()
+void lookAtCube()
 {
     const double ground = getHeightAt(&ter, cb.position.x, cb.position.z);
-    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x,
-              (ground + cb.position.y) * 0.5 + cb.size, cb.position.z, 0, 1, 0);
+    const double y = (ground + cb.position.y) * 0.5 + cb.size;
+    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x, y, cb.position.z, 0, 1,
+              0);
+    const Eye eye = {cam.position,  {cb.position.x, y, cb.position.z},
+                     FIELD_OF_VIEW, ratio,
+                     NEAR_PLANE,    VIEW_DISTANCE * 0.5};
+    setView(&eye);
 }
 
 static void adaptDrawDistance()
@@ -414,6 +420,26 @@ static void spendShadowBudget()
         shadowSwitchTime += timeH;
     if (shadowSwitchTime >= SHADOW_BUDGET)
         SHADOW = 0;
+}
+
+// What the buffer holds at start is undefined, and the first shadow's boxes put all of it to 0.
+// After that they need to cover no more than the prisms can.
+void drawShadow()
+{
+    static bool isStencilZero = false;
+    Vector ends[2 * CUBE_CORNERS];
+    for (int corner = 1; corner <= CUBE_CORNERS; ++corner)
+    {
+        ends[2 * corner - 2] = getCorner(&cb, corner);
+        ends[2 * corner - 1] = getShadowEnd(&cb, corner);
+    }
+    const ScreenArea area = screenArea(ends, 2 * CUBE_CORNERS, DISPLAY_WIDTH, DISPLAY_HEIGHT);
+    if (isStencilZero)
+        glEnable(GL_SCISSOR_TEST);
+    glScissor(area.x, area.y, area.width, area.height);
+    renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
+    glDisable(GL_SCISSOR_TEST);
+    isStencilZero = true;
 }
 
 static void placeAndDrawCube()
@@ -438,6 +464,7 @@ static void showGameOver()
 void drawScreen()
 {
     beginFrame();
+    glDisable(GL_ALPHA_TEST);
     animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
     raiseCameraGoal();
     glPushMatrix();
@@ -450,7 +477,7 @@ void drawScreen()
     adaptDrawDistance();
     spendShadowBudget();
     if (SHADOW == 1)
-        renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
+        drawShadow();
     placeAndDrawCube();
     drawShots(shotLst, &ter);
     glColor3f(0, 0, 0);
@@ -459,6 +486,8 @@ void drawScreen()
     if (gameOver == 1)
         showGameOver();
     glPopMatrix();
+    clearView();
+    glEnable(GL_ALPHA_TEST);
     SDL_GL_SwapBuffers();
 }
 

@@ -1,12 +1,14 @@
 #include "people.h"
 
 #include "main.h"
+#include "view.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 constexpr double GRID_CENTRE = BUCKET_COUNT / 2.0; // bucket units from the edge to the world origin
 constexpr float FLEE_RADIUS = 500.0f;
@@ -450,11 +452,43 @@ void drawPerson(const Person *person)
         drawStickFigure();
 }
 
+// A sphere around a person in either drawing, whichever way it is turned.
+constexpr float FIGURE_MIDDLE = FEET_ABOVE_GROUND + 10;
+constexpr float FIGURE_RADIUS = 14.2f;
+
+static bool isInView(const Person &person)
+{
+    const Vector feet = person.position;
+    return sphereInView({feet.x, feet.y + FIGURE_MIDDLE, feet.z}, FIGURE_RADIUS);
+}
+
+// World x of a row's people; the outermost rows also hold those beyond the grid.
+static Span rowSpan(const PeopleList *list, int row)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    const auto edge = [list](int r)
+    { return static_cast<float>((r - GRID_CENTRE) * list->steprate); };
+    return {row == 0 ? -infinity : edge(row), row == BUCKET_COUNT - 1 ? infinity : edge(row + 1)};
+}
+
+// Takes out the columns of a row in which nobody can be in view.
+static void narrowToView(const PeopleList *list, int row, int *firstColumn, int *endColumn)
+{
+    const Span x = rowSpan(list, row);
+    const Span z = viewSpan({x.low - FIGURE_RADIUS, x.high + FIGURE_RADIUS});
+    const auto column = [list](float at)
+    { return std::clamp(bucketOf(at, list->steprate), 0, BUCKET_COUNT - 1); };
+    *firstColumn = std::max(*firstColumn, column(z.low - FIGURE_RADIUS));
+    *endColumn = std::min(*endColumn, z.low > z.high ? 0 : column(z.high + FIGURE_RADIUS) + 1);
+}
+
 static void drawBucket(const PeopleList *list, int row, int column)
 {
     for (const PersonNode *node = *bucketAt(list, row, column); node; node = node->next)
     {
         const Person &person = node->person;
+        if (!isInView(person))
+            continue;
         glPushMatrix();
         glTranslatef(person.position.x, person.position.y + FEET_ABOVE_GROUND, person.position.z);
         glRotatef(person.direction, 0, 1, 0);
@@ -472,6 +506,10 @@ void drawHorde(const PeopleList *list, const Cube *cube)
     }
     const ViewRange range = viewRange(list, cube);
     for (int row = range.firstRow; row < range.endRow; ++row)
-        for (int column = range.firstColumn; column < range.endColumn; ++column)
+    {
+        int column = range.firstColumn, endColumn = range.endColumn;
+        narrowToView(list, row, &column, &endColumn);
+        for (; column < endColumn; ++column)
             drawBucket(list, row, column);
+    }
 }

@@ -9,6 +9,7 @@
 #include <GL/glu.h>
 #include <SDL.h>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstdarg>
@@ -49,9 +50,12 @@ constexpr double FAST_FRAME = 0.028; // seconds; below it the draw distance grow
 constexpr double SLOW_FRAME = 0.04;  // seconds; above it the draw distance shrinks
 constexpr int DISTANCE_STEP = 5;
 constexpr int FULL_DISTANCE = 5000;
+// In play the eye stays within some 700 units of the cube and its texts: half of this still shows
+// them, and the ground around, before the fog.
+constexpr int SHORTEST_DISTANCE = 3000;
 // After game over the eye circles 1000 units from the cube and as far above the ground, on hills up
-// to 600 high: nearer than this the far plane could hide what is left of the cube.
-constexpr int SHORTEST_DISTANCE = 4500;
+// to 600 high, so some 1900 away: nearer than this the fog would hide the text.
+constexpr int SHORTEST_AFTER_GAME_OVER = 4500;
 constexpr float SHADOW_BUDGET = 2.0f; // seconds below the full draw distance before it is given up
 constexpr double GAME_OVER_SPIN = 20.0; // degrees per second
 
@@ -410,8 +414,10 @@ static void adaptDrawDistance()
 {
     if (timeH < FAST_FRAME)
         VIEW_DISTANCE += DISTANCE_STEP;
-    if (timeH > SLOW_FRAME && VIEW_DISTANCE - DISTANCE_STEP >= SHORTEST_DISTANCE)
+    if (timeH > SLOW_FRAME)
         VIEW_DISTANCE -= DISTANCE_STEP;
+    VIEW_DISTANCE =
+        std::max(VIEW_DISTANCE, gameOver == 1 ? SHORTEST_AFTER_GAME_OVER : SHORTEST_DISTANCE);
 }
 
 static void spendShadowBudget()

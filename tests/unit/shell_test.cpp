@@ -78,8 +78,11 @@ TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)
     EXPECT_EQ(SHADOW, 1);
     frames(1, 125);
     expectNear({2, 0}, 0, shadowSwitchTime, SHADOW);
-    frames(200, 125);
-    EXPECT_EQ(VIEW_DISTANCE, 4500) << "the floor";
+    frames(450, 125);
+    EXPECT_EQ(VIEW_DISTANCE, 3000) << "the floor in play";
+    gameOver = 1;
+    frames(5, 125);
+    EXPECT_EQ(VIEW_DISTANCE, 4500) << "the floor after game over";
     frames(102, 10);
     expectNear({5010, 0}, 0, VIEW_DISTANCE, SHADOW);
 }

@@ -9,7 +9,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
+constexpr char HEIGHT_MAP[] = "Map.tga";
+constexpr char COLOUR_MAP[] = "MapTex.tga";
 constexpr float SAMPLE_SPACING = 25.0f;
 constexpr float INVERSE_SPACING = 0.04f;
 constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 256
@@ -64,11 +67,32 @@ static int allocateSamples(Terrain *terrain)
     return 1;
 }
 
+// Mostly the game was started in another folder than that of its images.
+static void tellWhereMapsAreSought()
+{
+    char folder[4096]; // the longest path that Linux knows
+    const char *here = getcwd(folder, sizeof(folder)) ? folder : "a folder that is gone";
+    fprintf(stderr, "No land: looked for %s and %s in %s\n", HEIGHT_MAP, COLOUR_MAP, here);
+}
+
+static int isMissing(const TgaImage *image)
+{
+    return image && image->status == TGA_ERROR_OPEN;
+}
+
+static int refuseMaps(const TgaImage *heights, const TgaImage *colours)
+{
+    fputs("   ...couldn't load TGA\n", stderr);
+    if (isMissing(heights) || isMissing(colours))
+        tellWhereMapsAreSought();
+    return 0;
+}
+
 // Checks the two maps against each other and against what the mapping of pixels to samples needs.
 static int acceptMaps(TgaImage *heights, const TgaImage *colours)
 {
     if (!heights || heights->status != TGA_OK || !colours || colours->status != TGA_OK)
-        return fail("   ...couldn't load TGA\n");
+        return refuseMaps(heights, colours);
     if (heights->width != colours->width || heights->height != colours->height)
         return fail("   ...Height image is different size than texture image\n");
     if (tgaBytesPerPixel(heights) == 3)
@@ -124,8 +148,8 @@ static void constructSamples(Terrain *terrain, const TgaImage *heights, const Tg
 static int buildSamples(Terrain *terrain)
 {
     fputs("Loading image...\n", stderr);
-    TgaImage *heights = tgaLoad("Map.tga");
-    TgaImage *colours = tgaLoad("MapTex.tga");
+    TgaImage *heights = tgaLoad(HEIGHT_MAP);
+    TgaImage *colours = tgaLoad(COLOUR_MAP);
     int built = acceptMaps(heights, colours);
     if (built)
     {

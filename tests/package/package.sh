@@ -32,9 +32,18 @@ holdsWhatItShould()
         fail "the package does not depend on either SDL"
 }
 
+isHardened()
+{
+    local told word
+    dpkg-deb -x "$package" "$scratch/root"
+    told=$(readelf -Wd --dyn-syms "$scratch/root/usr/libexec/tumbledown/tumbledown")
+    for word in PIE NOW __stack_chk_fail __fprintf_chk; do
+        [[ $told == *"$word"* ]] || fail "the program is built without $word"
+    done
+}
+
 playsFromItsRoot()
 {
-    dpkg-deb -x "$package" "$scratch/root"
     plays "$scratch/root/usr/games/tumbledown"
 }
 
@@ -61,7 +70,7 @@ scratch=$(mktemp -d)
 openDisplay "$scratch"
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
 package=$(tools/package.sh | tail -n 1)
-for claim in describesItselfWithoutFault holdsWhatItShould playsFromItsRoot \
+for claim in describesItselfWithoutFault holdsWhatItShould isHardened playsFromItsRoot \
     isTheSameWhereverItIsBuilt playsFromAMovedPrefixThroughALink; do
     echo "the package $claim"
     "$claim"

@@ -43,6 +43,7 @@ constexpr Colour CLIFF = hex(0xD0A27A);
 constexpr Colour CLIFF_DARK = hex(0x4E3A38);
 constexpr Colour LEDGE = hex(0x5E9A26);
 constexpr float CLIFF_LIGHT = 0.9f; // share of the sky that its foot sees: the fjord shines back
+constexpr float CLIFF_SHADE = 0.7f; // its foot is less steep, and the game's sheen pales it
 constexpr Box WATERFALLS[] = {
     {-6200, 1500, -5300, 1500}, {-6200, -2900, -5300, -2900}, {6200, -1700, 5300, -1700},
     {6200, 900, 5300, 900},     {6200, 3900, 5300, 3900},     {-2600, 6200, -2600, 5300},
@@ -140,20 +141,22 @@ static Colour cliffColour(const Spot &spot)
     const float drift = (spot.x + 2 * spot.z) / 2500;
     const float rib =
         noiseAt(along / 90, drift, 0, 271) + 0.6f * noiseAt(along / 48, drift, 0, 272);
-    const float broad = fractal(along / 700, drift, 0, 2, 0.6f, 273);
+    const float broad = fractal(along / 700, drift, 0, 3, 0.7f, 273);
     const float grain = scatter(int(spot.x), int(spot.z), 5) - 0.5f;
     const float up = (spot.height - WATER_LEVEL) / (HEIGHT_RANGE - WATER_LEVEL);
-    const float strata = noiseAt(spot.height / 75 + 2 * broad, drift * 3, 0, 274);
+    const float strata = noiseAt(spot.height / 75 + 3 * broad, drift * 3, 0, 274);
     const float bright = std::clamp(0.5f + 0.6f * strata + 0.7f * rib + 0.3f * grain, 0.0f, 1.0f);
     Colour colour = mix(CLIFF_DARK, CLIFF, bright);
     const float ledge = soft(0.1f, 0.4f, strata - 0.5f * rib) * soft(0.85f, 0.6f, up);
     colour = mix(colour, LEDGE * (1 + 0.3f * grain), 0.8f * ledge);
-    const float woods = 0.36f + 0.5f * broad + 0.25f * rib;
-    const Colour trees = mix(FOREST, FOREST_LIGHT, std::clamp(0.5f + 1.2f * grain, 0.0f, 1.0f));
+    const float woods = 0.34f + 0.8f * broad + 0.25f * rib;
+    const Colour trees = mix(FOREST, FOREST_LIGHT, std::clamp(0.4f + 1.2f * grain, 0.0f, 1.0f));
     colour = mix(colour, trees, soft(woods + 0.1f, woods - 0.1f, up));
-    colour = mix(colour, SCREE * (1 + 0.2f * grain), 0.8f * soft(0.07f, 0.02f, up + 0.06f * rib));
-    const float snow = up - 0.2f * rib - 0.25f * broad;
-    return mix(colour, SNOW, soft(0.66f, 0.76f, snow));
+    const float scree = up + 0.06f * rib - 0.12f * broad;
+    colour = mix(colour, SCREE * (1 + 0.2f * grain), 0.8f * soft(0.07f, 0.02f, scree));
+    const float snow = up - 0.2f * rib - 0.5f * broad;
+    colour = mix(colour, SNOW, soft(0.68f, 0.76f, snow));
+    return colour * mix(CLIFF_SHADE, 1, soft(0, 0.5f, up)) * (1 + 0.16f * rib);
 }
 
 static float waterfallAt(const Spot &spot)

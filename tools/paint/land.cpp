@@ -71,17 +71,18 @@ constexpr float RIVER_BED = 16; // depth below the banks
 constexpr float RIVER_HALF_WIDTH = 26;
 constexpr float RIVER_BANK = 190;   // from the water to where the valley floor is level again
 constexpr float SHORE_RISE = 0.16f; // slope of the ground about a lake
+constexpr float STEEP_RISE = 0.66f; // and where mountains stand by the fjord
 
 // Beyond a fjord the land ends in a cliff that holds the cube: it is as steep as the game's
 // smoothing leaves anything, and no bend and no corner of it is narrow enough to be a ramp.
-constexpr float CLIFF_BRINK = 600;   // units from the end of the land, on average
+constexpr float CLIFF_BRINK = 620;   // units from the end of the land, on average
 constexpr float CLIFF_WIDTH = 25;    // from the brink to the foot
 constexpr float CLIFF_CORNER = 1000; // radius; wider and narrower ones let more cubes climb
 constexpr float CLIFF_BEND = 350;    // how far the cliff strays, in bends of BEND_LENGTH
 constexpr float BEND_LENGTH = 4500;
-constexpr float CLIFF_RIB = 40; // and in ribs and gullies of RIB_LENGTH
-constexpr float RIB_LENGTH = 450;
-constexpr float CLIFF_DIP = 100;    // how far the brink sinks below HEIGHT_RANGE
+constexpr float CLIFF_HEADLAND = 180; // and in headlands of HEADLAND_LENGTH
+constexpr float HEADLAND_LENGTH = 1000;
+constexpr float CLIFF_DIP = 160;    // how far the brink sinks below HEIGHT_RANGE
 constexpr float CLIFF_CREST = 300;  // from the brink to where the land falls again, out of sight
 constexpr float CLIFF_BACK = 0.6f;  // slope behind
 constexpr float CLIFF_SPREAD = 270; // from the brink to the foot once the game has smoothed it
@@ -210,7 +211,7 @@ static float inwardAt(float x, float z)
     const float inward = CLIFF_CORNER - length(std::max(dx, 0.0f), std::max(dz, 0.0f)) -
                          std::min(std::max(dx, dz), 0.0f);
     return inward + CLIFF_BEND * fractal(x / BEND_LENGTH, z / BEND_LENGTH, 0, 1, 0.5f, 31) +
-           CLIFF_RIB * fractal(x / RIB_LENGTH, z / RIB_LENGTH, 0, 1, 0.5f, 32);
+           CLIFF_HEADLAND * fractal(x / HEADLAND_LENGTH, z / HEADLAND_LENGTH, 0, 1, 0.5f, 32);
 }
 
 // Units inland from the fjord's shore, negative beyond it.
@@ -247,6 +248,15 @@ static float courseDistance(const float (&courses)[COUNT][2 * POINTS], float x, 
     return nearest;
 }
 
+// How high the ground may stand at a distance from the water: mountains by the fjord fall to it
+// steeply in places.
+static float shoreRise(float x, float z, float shore)
+{
+    const float coast = soft(3500, 4200, std::max(std::fabs(x), std::fabs(z)));
+    const float steep = coast * soft(0, 0.25f, fractal(x / 1700, z / 1700, 0, 2, 0.5f, 35));
+    return shore * mix(SHORE_RISE, STEEP_RISE, steep) + square(shore / mix(55, 35, steep));
+}
+
 static void layWater(Field &height, Field &water)
 {
     const Field level = blurred(blurred(height, 5), 5); // river valleys have even floors
@@ -259,7 +269,7 @@ static void layWater(Field &height, Field &water)
             const float bank = soft(RIVER_BANK, RIVER_HALF_WIDTH, river);
             h = mix(h, std::min(h, level.at(x, z)) - RIVER_BED, bank);
             h = std::max(h, WATER_LEVEL + 6);
-            const float ceiling = WATER_LEVEL + shore * SHORE_RISE + square(shore / 55);
+            const float ceiling = WATER_LEVEL + shoreRise(toWorld(x), toWorld(z), shore);
             h = shore > 0 ? std::min(h, ceiling) : WATER_LEVEL;
             water.at(x, z) = std::max(soft(14, 0, shore),
                                       soft(RIVER_HALF_WIDTH + 14, RIVER_HALF_WIDTH - 14, river));

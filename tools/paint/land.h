@@ -5,11 +5,11 @@
 
 #include "canvas.h"
 
-constexpr int LAND_SIDE = 501;      // samples along x and along z: whole blocks of 25, and the end
+constexpr int LAND_SIDE = 501;      // samples along x and along z: blocks of 25 and their last row
 constexpr float SPACING = 25;       // units between samples, fixed by the game
 constexpr float HEIGHT_RANGE = 600; // height of a grey of 256, fixed by the game
 constexpr float HALF_LAND = LAND_SIDE * SPACING / 2;
-constexpr float WATER_LEVEL = 36; // of every lake; nothing else lies as low
+constexpr float WATER_LEVEL = 36; // of every lake and the fjord; nothing else lies as low
 
 struct Place
 {

@@ -272,8 +272,7 @@ static void layWater(Field &height, Field &water)
             h = std::max(h, WATER_LEVEL + 6);
             const float ceiling = WATER_LEVEL + shoreRise(toWorld(x), toWorld(z), shore);
             h = shore > 0 ? std::min(h, ceiling) : WATER_LEVEL;
-            water.at(x, z) = std::max(soft(14, 0, shore),
-                                      soft(RIVER_HALF_WIDTH + 14, RIVER_HALF_WIDTH - 14, river));
+            water.at(x, z) = soft(RIVER_HALF_WIDTH + 14, RIVER_HALF_WIDTH - 14, river);
         }
 }
 
@@ -330,17 +329,20 @@ static Field sharpened(const Field &wanted)
     return map;
 }
 
-// The smoothing spreads the cliff's foot into the fjord.
-static void dryCliff(Land &land)
+// Lakes and the fjord end where the smoothing has spread the foot of a slope into them.
+static void fillWater(Land &land)
 {
     for (int z = 0; z < LAND_SIDE; ++z)
         for (int x = 0; x < LAND_SIDE; ++x)
-            if (inwardAt(toWorld(x), toWorld(z)) < CLIFF_BRINK + CLIFF_SPREAD)
-            {
-                const float dry = soft(WATER_LEVEL + 3, WATER_LEVEL + 9, land.height.at(x, z));
-                land.water.at(x, z) *= 1 - dry;
-                land.cliff.at(x, z) = dry;
-            }
+        {
+            const float wx = toWorld(x);
+            const float wz = toWorld(z);
+            const float dry = soft(WATER_LEVEL + 4, WATER_LEVEL + 12, land.height.at(x, z));
+            const int isCliff = inwardAt(wx, wz) < CLIFF_BRINK + CLIFF_SPREAD;
+            const float lake = soft(14, 0, lakeDistance(wx, wz)) * (1 - dry);
+            land.water.at(x, z) = isCliff ? lake : std::max(land.water.at(x, z), lake);
+            land.cliff.at(x, z) = isCliff ? dry : 0;
+        }
 }
 
 Land makeLand()
@@ -359,7 +361,7 @@ Land makeLand()
         land.height.cells[i] = float(land.map.cells[i]) / 256 * HEIGHT_RANGE;
     }
     smoothAsTheGame(land.height);
-    dryCliff(land);
+    fillWater(land);
     land.track.paint(
         [](int x, int z)
         {

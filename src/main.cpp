@@ -428,8 +428,8 @@ static void spendShadowBudget()
         SHADOW = 0;
 }
 
-// What the buffer holds at start is undefined, and the first shadow's boxes put all of it to 0.
-// After that they need to cover no more than the prisms can.
+// What the buffer holds at start is undefined, and the first shadow's boxes put all of it to 0,
+// unless they are drawn as lines. After that they need to cover no more than the prisms can.
 void drawShadow()
 {
     static bool isStencilZero = false;
@@ -440,7 +440,7 @@ void drawShadow()
         ends[2 * corner - 1] = getShadowEnd(&cb, corner);
     }
     const ScreenArea area = screenArea(ends, 2 * CUBE_CORNERS, DISPLAY_WIDTH, DISPLAY_HEIGHT);
-    if (isStencilZero)
+    if (isStencilZero && WIRE_FRAME == 0)
         glEnable(GL_SCISSOR_TEST);
     glScissor(area.x, area.y, area.width, area.height);
     renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);

@@ -31,8 +31,13 @@ struct View
 };
 } // namespace
 
-// Units. Single precision places a vertex at the far plane about this well, and better when nearer.
+// Units. Single precision places a vertex about this well.
 constexpr double SLACK = 1.0;
+// Twice the rounding of single precision, and how far from the origin the land reaches. A vertex is
+// clipped where its depth and its distance, both about far, differ by rounding; there the depth
+// grows by 2 / far a unit, with the near plane at 1.
+constexpr double CLIP_ROUNDING = 2e-7;
+constexpr double REACH = 10000;
 constexpr double PIXEL_SLACK = 8.0; // the same for prisms that end ten million units away
 // Below this share of the ground plane in the direction of the look, its rounding turns the view.
 constexpr double STEEPEST = 0.002;
@@ -117,8 +122,9 @@ void setView(const Eye *eye)
     view.tanY = std::tan(eye->fieldOfView * 0.5 / 180 * PI);
     view.tanX = view.tanY * eye->aspect;
     view.near = eye->near;
-    setPlanes(eye->far);
-    setCorners(eye->far);
+    const double far = eye->far + CLIP_ROUNDING * eye->far * (eye->far + REACH);
+    setPlanes(far);
+    setCorners(far);
 }
 
 void clearView()

@@ -422,6 +422,8 @@ void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, 
 // is not marked with it, and goes on showing the old height until it is compiled again.
 static void widenBlockHeights(Terrain *terrain, int i, int j)
 {
+    if (i < 0 || i >= terrain->width || j < 0 || j >= terrain->height)
+        return;
     const float height = terrain->map[i][j];
     const int lastX = std::min(i / BLOCK_SIDE, terrain->blocksX - 1);
     const int lastZ = std::min(j / BLOCK_SIDE, terrain->blocksZ - 1);

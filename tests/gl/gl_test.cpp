@@ -1,108 +1,5 @@
-// What is drawn, seen on a real OpenGL context: pixels, transformed vertices and the state left.
-#include "fixtures.h"
-
-#include <GL/gl.h>
-#include <GL/glu.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-
-constexpr int WIDTH = 1024, HEIGHT = 768;
-using Rgb = std::array<uint8_t, 3>;
-using Picture = std::vector<Rgb>; // row by row from the bottom
-constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 255};
-// The corners of the test picture by [s][t]: none is another's mirror image.
-constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
-
-static void writeImage(const char *name, int side, int bytes, std::function<Rgb(int, int)> colour)
-{
-    uint8_t *pixels = static_cast<uint8_t *>(malloc(side * side * bytes)); // tgaSave frees it
-    for (int i = 0; i < side * side * bytes; ++i)
-        pixels[i] = colour(i / bytes % side, i / bytes / side)[i % bytes % 3];
-    const int16_t size = static_cast<int16_t>(side);
-    ASSERT_EQ(tgaSave(name, size, size, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
-}
-
-// One video mode for all tests; each starts as start-up does, on a black screen.
-struct Scene : EmptyWorld
-{
-    static void SetUpTestSuite()
-    {
-        ASSERT_EQ(SDL_Init(SDL_INIT_VIDEO | SDL_INIT_NOPARACHUTE), 0);
-        SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 8);
-        ASSERT_TRUE(SDL_SetVideoMode(WIDTH, HEIGHT, 24, SDL_FULLSCREEN | SDL_OPENGL));
-    }
-    static void TearDownTestSuite()
-    {
-        SDL_Quit();
-    }
-    void SetUp() override
-    {
-        for (const char *name : {"TexCube.tga", "TexSkyBox.tga", "TexPerson.tga"})
-            writeImage(name, 16, 3, [](int x, int y) { return CORNERS[x / 8][y / 8]; });
-        writeImage("TexPersonBack.tga", 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
-        for (const char *name : {"TexNoise.tga", "TexTank.tga"})
-            writeImage(name, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
-        glPushAttrib(GL_ALL_ATTRIB_BITS);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-        setupOpengl(WIDTH, HEIGHT);
-        initCube(&cb);
-        cb.position = {0, 0, 0};
-        glMatrixMode(GL_MODELVIEW);
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
-    }
-    void TearDown() override
-    {
-        tgaDestroy(skyBoxImage);
-        glPopAttrib();
-        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-        glLoadIdentity();
-    }
-};
-
-// Side * side samples, 150 units high and rising by slope * 600 / 256 units a sample along x.
-static void build(int side, int slope = 0)
-{
-    writeImage("Map.tga", side, 1, [&](int, int x) { return Rgb{uint8_t(64 + slope * x)}; });
-    writeImage("MapTex.tga", side, 4, [](int, int) { return Rgb{128, 255, 64}; });
-    ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, 0, side, side, 25));
-    ASSERT_TRUE(makeTankList(tankLst, 1));
-}
-
-static Vector off(Vector from, Vector along, float distance)
-{
-    return vectorAdd(from, vectorMultiply(along, distance));
-}
-
-static void lookFrom(Vector eye, Vector at, Vector up = {0, 1, 0}) // with a clear screen
-{
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    glLoadIdentity();
-    gluLookAt(eye.x, eye.y, eye.z, at.x, at.y, at.z, up.x, up.y, up.z);
-}
-
-static Picture look()
-{
-    Picture picture(WIDTH * HEIGHT);
-    glReadPixels(0, 0, WIDTH, HEIGHT, GL_RGB, GL_UNSIGNED_BYTE, picture.data());
-    return picture;
-}
-
-static Rgb seen(const Picture &picture, Vector world)
-{
-    GLdouble model[16], projection[16], x, y, z;
-    const GLint viewport[] = {0, 0, WIDTH, HEIGHT};
-    glGetDoublev(GL_MODELVIEW_MATRIX, model);
-    glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    gluProject(world.x, world.y, world.z, model, projection, viewport, &x, &y, &z);
-    return picture.at(int(y) * WIDTH + int(x));
-}
-
-static bool isNear(Rgb a, Rgb b) // within 8 of 255
-{
-    return abs(a[0] - b[0]) <= 8 && abs(a[1] - b[1]) <= 8 && abs(a[2] - b[2]) <= 8;
-}
+// What is drawn, part by part: pixels, transformed vertices and the state left.
+#include "scene.h"
 
 // The test picture around centre, with s and t its half axes.
 static void expectCorners(Vector centre, Vector s, Vector t)
@@ -110,7 +7,7 @@ static void expectCorners(Vector centre, Vector s, Vector t)
     for (int corner = 0; corner < 4; ++corner)
     {
         const Vector row = off(centre, t, corner % 2 ? 1.0f : -1.0f);
-        EXPECT_PRED2(isNear, seen(look(), off(row, s, corner / 2 ? 1.0f : -1.0f)),
+        EXPECT_PRED2(isAlike, seen(look(), off(row, s, corner / 2 ? 1.0f : -1.0f)),
                      CORNERS[corner / 2][corner % 2]);
     }
 }
@@ -137,58 +34,9 @@ static std::vector<Vector> verticesOf(std::function<void()> draw)
     return vertices;
 }
 
-// The mean of some vertices; of the two triangles of a quad it is the quad's centre.
-static Vector middle(const std::vector<Vector> &vertices, size_t first, size_t count)
-{
-    Vector sum = {0, 0, 0};
-    for (size_t i = first; i < first + count; ++i)
-        sum = off(sum, vertices.at(i), 1.0f / count);
-    return sum;
-}
-
 static bool isAt(Vector a, Vector b) // within 0.1 units
 {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z) < 0.1;
-}
-
-TEST_F(Scene, EachFaceOfTheCubeShowsThePictureTheRightWayRoundFromOutsideOnly)
-{
-    const std::pair<Vector, Vector> faces[] = {{{0, 0, 1}, {0, 1, 0}},  {{-1, 0, 0}, {0, 1, 0}},
-                                               {{0, 0, -1}, {0, 1, 0}}, {{1, 0, 0}, {0, 1, 0}},
-                                               {{0, 1, 0}, {0, 0, -1}}, {{0, -1, 0}, {-1, 0, 0}}};
-    glDisable(GL_LIGHTING);
-    for (const auto &[out, t] : faces)
-    {
-        lookFrom(vectorMultiply(out, 300), {0, 0, 0}, t);
-        drawCube(&cb);
-        const Vector s = vectorCrossProduct(t, out);
-        expectCorners(vectorMultiply(out, 50), vectorMultiply(s, 30), vectorMultiply(t, 30));
-        lookFrom(vectorMultiply(out, 20), {0, 0, 0}, t);
-        drawCube(&cb);
-        EXPECT_EQ(look(), Picture(WIDTH * HEIGHT, BLACK)) << "from inside";
-    }
-}
-
-TEST_F(Scene, PeopleInViewStandAUnitAboveTheGroundTurnedByTheirDirectionAndBlack)
-{
-    build(60);
-    VIEW_DISTANCE = 500;
-    addPerson(peopleLst, {0, {300, 50, -200}, {0, 0, 0}, 0, nullptr, 0, nullptr, 0});
-    addPerson(peopleLst, {1, {2000, 50, -200}, {0, 0, 0}, 0, nullptr, 0, nullptr, 0}); // too far
-    lookFrom({300, 60, -140}, {300, 60, -200});
-    drawSkyBox(); // leaves replacing on
-    glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
-    drawHorde(peopleLst, &cb);
-    EXPECT_PRED2(isNear, seen(look(), {301, 60, -200}), BLACK);
-    glLoadIdentity();
-    for (const auto &[direction, x, z] : {std::array{0, 1, 0}, {90, 0, -1}, {180, -1, 0}})
-    {
-        (*peopleLst->buckets[175 * BUCKET_COUNT + 91])->person.direction = float(direction);
-        const std::vector<Vector> drawn = verticesOf([] { drawHorde(peopleLst, &cb); });
-        ASSERT_EQ(drawn.size(), 6 * 6u) << "from both sides";
-        EXPECT_PRED2(isAt, middle(drawn, 0, 36), (Vector{300.0f + x, 59.667f, -200.0f + z}));
-        EXPECT_PRED2(isAt, middle(drawn, 0, 6), (Vector{300.0f - 3 * x, 63, -200.0f - 3 * z}));
-    }
 }
 
 TEST_F(Scene, PictureBoardShowsItsFrontAheadAndItsBackBehindAndAddsNothingWhereItIsKeyed)
@@ -202,33 +50,8 @@ TEST_F(Scene, PictureBoardShowsItsFrontAheadAndItsBackBehindAndAddsNothingWhereI
     glClearColor(0.2f, 0.2f, 0.2f, 1);
     lookFrom({0, 10, 60}, {0, 10, 0});
     drawHorde(peopleLst, &cb);
-    EXPECT_PRED2(isNear, seen(look(), {-5, 11, 0}), WHITE);
-    EXPECT_PRED2(isNear, seen(look(), {5, 11, 0}), (Rgb{51, 51, 51}));
-}
-
-TEST_F(Scene, TankStandsTiltedOnTheGroundHullFiveDegreesOnTurretOnTheCube)
-{
-    cb.position = {-400, 300, 300};
-    for (int slope : {3, 0})
-    {
-        deleteTerrain(&ter);
-        build(60, slope);
-        Tank &tank = tankLst->head->tank;
-        tank.position = {100, 5000, -50};
-        tank.heading = 30;
-        glDisable(GL_CULL_FACE);
-        const auto drawn = verticesOf([] { drawTanks(tankLst, &cb, &ter); });
-        ASSERT_EQ(drawn.size(), 24 * 6u); // in quads of two triangles
-        const Vector up = normal(drawn[72], drawn[73], drawn[74]);
-        EXPECT_GT(vectorDotProduct(up, ter.normals[34][28]), 0.9999);
-        EXPECT_FLOAT_EQ(tank.position.y, getHeightAt(&ter, 100, -50));
-        if (slope != 0)
-            continue;
-        EXPECT_PRED2(isAt, middle(drawn, 60, 6), (Vector{114.745f, 166, -60.324f})) << "35 degrees";
-        const Vector muzzle = middle(drawn, 132, 6);
-        EXPECT_NEAR(findDirection(tank.position, muzzle), findDirection({100, 0, -50}, cb.position),
-                    5.1);
-    }
+    EXPECT_PRED2(isAlike, seen(look(), {-5, 11, 0}), WHITE);
+    EXPECT_PRED2(isAlike, seen(look(), {5, 11, 0}), (Rgb{51, 51, 51}));
 }
 
 static void expectState(GLenum name, const std::vector<float> &values)
@@ -241,7 +64,7 @@ static void expectState(GLenum name, const std::vector<float> &values)
 
 TEST_F(Scene, BlockDrawsTwentySixCellsByTwentyFiveAsFarAsTheGridReachesAndOnlyFromAbove)
 {
-    build(50, 2);
+    build(50, [](int x, int z) { return 64 + 2 * x + z; });
     const std::array<int, 4> cases[] = {{0, 0, 26, 25}, {1, 0, 24, 25}, {0, 1, 26, 24}};
     for (const auto &[bx, bz, cellsX, cellsZ] : cases)
     {
@@ -276,42 +99,6 @@ TEST_F(Scene, DentShowsInTheFrameThatPressesIt)
     }
 }
 
-TEST_F(Scene, ShadowDarkensWhatLiesUnderTheCubeToSevenTenthsAndClearsTheStencil)
-{
-    build(60);
-    for (int stale = 0; stale < 2; ++stale) // what the stencil holds darkens everything once
-    {
-        cb.position = {0, stale ? 450.0f : 240.0f, 0};
-        glClearStencil(stale * 3);
-        glClear(GL_STENCIL_BUFFER_BIT);
-        lookFrom({400, 900, 400}, {0, 150, 0});
-        drawTerrain(&ter, 0, 0, 5000);
-        const Picture before = look();
-        renderCubeShadow(&cb, 400, 900, 400);
-        const Picture after = look();
-        for (int i = 0; i < 51 * 51; ++i)
-        {
-            const Vector at = {float(i / 51 * 8 - 200), 150, float(i % 51 * 8 - 200)};
-            const float away = std::max(std::fabs(at.x), std::fabs(at.z));
-            Rgb colour = seen(before, at);
-            for (uint8_t &c : colour)
-                c = uint8_t(c * (away < 50 ? 0.7 : 1) * (stale ? 0.7 : 1));
-            ASSERT_TRUE(isNear(seen(after, at), colour) || std::fabs(away - 50) < 3) << i;
-        }
-        std::vector<uint8_t> stencil(WIDTH * HEIGHT);
-        glReadPixels(0, 0, WIDTH, HEIGHT, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, stencil.data());
-        EXPECT_EQ(std::count(stencil.begin(), stencil.end(), 0), WIDTH * HEIGHT);
-    }
-}
-
-TEST_F(Scene, ShotIsDrawnAlongItsHeading)
-{
-    build(60);
-    addShot(shotLst, {0, {10, 300, 20}, {0, 0, 0}, 90, nullptr});
-    for (const Vector v : verticesOf([] { drawShots(shotLst, &ter); }))
-        EXPECT_TRUE(isAt(v, {10, 300, 56}) || std::fabs(v.z - 8) < 0.1) << "tail, or head at -z";
-}
-
 TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
 {
     cam.position = {1000, 300, -500};
@@ -333,28 +120,6 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
     glColor3f(1, 1, 1);
     drawSkyBox();
     EXPECT_EQ(look(), Picture(WIDTH * HEIGHT, WHITE));
-}
-
-TEST_F(Scene, TextsStartAtTheirAnchorsAndRunRightOverEverythingUnlessBehindTheEye)
-{
-    glClearColor(1, 1, 1, 1);
-    glClearDepth(0); // the scene hides everything
-    const std::pair<void (*)(), int> texts[] = {
-        {displayScore, 654}, {displaySize, 584}, {displayGameOver, 384}};
-    for (const auto &[display, row] : texts)
-    {
-        glColor3f(0, 0, 0);
-        lookFrom({0, 0, 665.1f}, {0, 0, 0}); // a pixel a unit
-        display();
-        Picture picture = look();
-        EXPECT_GT(std::count(picture.begin(), picture.end(), BLACK), 200);
-        for (int y = row - 6; y < row + 20; ++y)
-            std::fill_n(&picture[y * WIDTH + 512], 250, WHITE);
-        EXPECT_EQ(picture, Picture(WIDTH * HEIGHT, WHITE));
-        lookFrom({0, 0, 800}, {0, 0, 1600});
-        display();
-        EXPECT_EQ(look(), picture);
-    }
 }
 
 TEST_F(Scene, SetupAndFrameLeaveTheirState)

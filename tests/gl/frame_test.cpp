@@ -227,7 +227,7 @@ TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
             for (const Spot &spot : spots)
                 if (isInFront(spot.at) && seen(picture, spot.at) != BLACK) // of a text, a person
                 {
-                    EXPECT_PRED2(isAlike, seen(picture, spot.at), lit(spot)) << spot.name << eye;
+                    ASSERT_PRED2(isAlike, seen(picture, spot.at), lit(spot)) << spot.name << eye;
                     ++counts[spot.name];
                 }
         }
@@ -335,7 +335,7 @@ TEST_F(Frame, ShadowFallsStraightDownOnWhatIsBelowTheCube)
             if (std::fabs(away - 50) < 8 || !isInFront(at))
                 continue;
             inside += away < 50;
-            EXPECT_EQ(seen(shade, at) != seen(bare, at), away < 50) << dx << ", " << dz;
+            ASSERT_EQ(seen(shade, at) != seen(bare, at), away < 50) << dx << ", " << dz;
         }
         EXPECT_GT(inside, 100);
     }

@@ -18,13 +18,14 @@ inline constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 
 // The corners of the test picture by [s][t]: none is another's mirror image.
 inline constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
 
-inline void writeImage(const char *name, int side, int bytes, std::function<Rgb(int, int)> colour)
+inline void writeImage(const char *name, int16_t width, int16_t height, int bytes,
+                       std::function<Rgb(int, int)> colour)
 {
-    uint8_t *pixels = static_cast<uint8_t *>(malloc(side * side * bytes)); // tgaSave frees it
-    for (int i = 0; i < side * side * bytes; ++i)
-        pixels[i] = colour(i / bytes % side, i / bytes / side)[i % bytes % 3];
-    const int16_t size = static_cast<int16_t>(side);
-    ASSERT_EQ(tgaSave(name, size, size, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
+    const int count = width * height * bytes;
+    uint8_t *pixels = static_cast<uint8_t *>(malloc(count)); // tgaSave frees it
+    for (int i = 0; i < count; ++i)
+        pixels[i] = colour(i / bytes % width, i / bytes / width)[i % bytes % 3];
+    ASSERT_EQ(tgaSave(name, width, height, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
 }
 
 // One video mode for all tests; each starts as start-up does, on a black screen.
@@ -43,10 +44,10 @@ struct Scene : EmptyWorld
     void SetUp() override
     {
         for (const char *name : {"TexCube.tga", "TexSkyBox.tga", "TexPerson.tga"})
-            writeImage(name, 16, 3, [](int x, int y) { return CORNERS[x / 8][y / 8]; });
-        writeImage("TexPersonBack.tga", 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
+            writeImage(name, 16, 8, 3, [](int x, int y) { return CORNERS[x / 8][y / 4]; });
+        writeImage("TexPersonBack.tga", 8, 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
         for (const char *name : {"TexNoise.tga", "TexTank.tga"})
-            writeImage(name, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
+            writeImage(name, 8, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
         glPushAttrib(GL_ALL_ATTRIB_BITS);
         glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
         setupOpengl(WIDTH, HEIGHT);
@@ -67,15 +68,15 @@ struct Scene : EmptyWorld
 // Side * side samples of some grey level and colour with nobody on them; by itself flat land, 150
 // units high.
 inline void build(
-    int side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
+    int16_t side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
     std::function<Rgb(int x, int z)> colour =
         [](int, int) {
             return Rgb{128, 255, 64};
         })
 {
     const auto height = [&](int z, int x) { return Rgb{static_cast<uint8_t>(level(x, z))}; };
-    writeImage("Map.tga", side, 1, height); // rows of the images run along x
-    writeImage("MapTex.tga", side, 4, [&](int z, int x) { return colour(x, z); });
+    writeImage("Map.tga", side, side, 1, height); // rows of the images run along x
+    writeImage("MapTex.tga", side, side, 4, [&](int z, int x) { return colour(x, z); });
     ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, 0, side, side, 25));
     ASSERT_TRUE(makeTankList(tankLst, 0));
 }

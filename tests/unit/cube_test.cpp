@@ -10,7 +10,6 @@ static Vector perMass(Vector v)
 TEST_F(World, CubeStartsAboveTheEdgeOfTheLandFliesTowardsItsMiddleAndFalls)
 {
     EXPECT_NEAR(cb.inertia, 1e10 / 6, 1);
-    EXPECT_NEAR(cb.inertia * cb.inverseInertia, 1, 1e-12);
     updateCube(&cb, 0.02f);
     EXPECT_TRUE(isNear(cb.position, {0, 1999.92f, -3980}, 1e-3));
     EXPECT_TRUE(isNear(cb.velocity, {0, -4, 1000}, 1e-3));
@@ -35,25 +34,6 @@ TEST_F(World, ForcesMoveAndTurnTheCubeInTheNextStepAndAreSpent)
     EXPECT_NEAR(q.w, 0.9, 1e-5);
     EXPECT_TRUE(isNear({q.x, q.y, q.z}, {1.1f, 0.5f, 0.1f}, 1e-5));
     EXPECT_TRUE(isNear(cb.force, {0, 0, 0}, 0) && isNear(cb.torque, {0, 0, 0}, 0));
-}
-
-TEST_F(World, HeadingFollowsAFastCubeOnly)
-{
-    const struct
-    {
-        float speedX, speedZ, heading;
-    } rows[] = {
-        {149, -149.9f, 33},
-        {-150, 20, 172.405f},
-        {20, -151, 277.545f},
-    };
-    for (const auto &row : rows)
-    {
-        cb.momentum = {row.speedX * M, 0, row.speedZ * M};
-        cb.heading = 33;
-        updateCube(&cb, 0);
-        EXPECT_NEAR(cb.heading, row.heading, 1e-3) << row.speedX << ", " << row.speedZ;
-    }
 }
 
 TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
@@ -111,9 +91,9 @@ TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
         Vector off; // from the body to the cube's centre, cut to whole units
         int covers, crushes;
     } rows[] = {
-        {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, {{0, 0, 50}, 0, 0},
-        {{0, 0, -50.2f}, 0, 0},      {{0, -49.9f, 0}, 1, 1}, {{30, -99.9f, 0}, 0, 1},
-        {{0, 100.5f, 0}, 0, 0},
+        {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, // it is 50
+        {{0, 0, 50}, 0, 0},          {{0, 0, -50.2f}, 0, 0}, {{0, -49.9f, 0}, 1, 1},
+        {{30, -99.9f, 0}, 0, 1},     {{0, 100.5f, 0}, 0, 0},
     };
     cb.position = {0, 0, 0};
     for (const auto &row : rows)
@@ -126,56 +106,33 @@ TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
 
 TEST_F(World, OnlyTheDeepestCornerAndTheOneThatWasItBeforeArePushedOut)
 {
-    struct Depths
-    {
-        float corner1, corner4, corner5, corner8; // the lower corners; negative above the ground
-    };
     const struct
     {
-        Depths under, kept;
+        float depth[4]; // of the lower corners 1, 4, 5 and 8; negative above the ground
+        float kept[4];
     } rows[] = {
-        {{0, 0, 0, 0}, {0, 0, 0, 0}},  {{5, 2, 4, -9}, {5, 0, 0, 0}},
-        {{2, 5, 4, -9}, {2, 5, 0, 0}}, {{-3, 4, -9, -9}, {0, 4, 0, 0}},
+        {{5, 2, 4, -9}, {5, 0, 0, 0}},
+        {{2, 5, 4, -9}, {2, 5, 0, 0}},
+        {{-3, 4, -9, -9}, {0, 4, 0, 0}},
         {{1, 2, -9, 3}, {0, 2, 0, 3}},
     };
+    const Vector arms[4] = {{50, -50, 50}, {50, -50, -50}, {-50, -50, 50}, {-50, -50, -50}};
     cb.position = {0, 50, 0};
     TERRAIN_DEFORMING = 0;
-    for (const auto &[under, kept] : rows)
-    {
-        cb.force = cb.torque = {0, 0, 0};
-        ter.map[107][97] = under.corner1; // at (50, 50)
-        ter.map[107][93] = under.corner4; // at (50, -50)
-        ter.map[103][97] = under.corner5;
-        ter.map[103][93] = under.corner8;
-        collideCubeTerrain();
-        const float left = kept.corner5 + kept.corner8, right = kept.corner1 + kept.corner4;
-        const float near = kept.corner1 + kept.corner5, far = kept.corner4 + kept.corner8;
-        const Vector torque = {600 * (far - near), 0, 600 * (right - left)};
-        EXPECT_TRUE(isNear(perMass(cb.force), {0, 12 * (left + right), 0}, 0.1)) << under.corner1;
-        EXPECT_TRUE(isNear(perMass(cb.torque), torque, 1)) << under.corner1;
-    }
-}
-
-TEST_F(World, ContactHoldsDampsAndSlowsTheCorner)
-{
-    const struct
-    {
-        Vector normal, velocity;
-        float depth;
-        Vector force; // per mass
-    } rows[] = {
-        {{0, 1, 0}, {60, 0, -80}, 1, {-360, 12, 480}},
-        {{2, 6, 3}, {0, -7, 0}, 2, {10.62857f, 73.88571f, 15.94286f}}, // falls on a slope
-        {{2, 6, 3}, {0, 7, 0}, 2, {16.8f, 8.4f, 25.2f}},               // leaves it
-    };
-    const Vector arm = {50, -50, 40};
     for (const auto &row : rows)
     {
+        Vector force = {0, 0, 0}, torque = {0, 0, 0};
         cb.force = cb.torque = {0, 0, 0};
-        handleCollision(&cb, normalizeVector(row.normal), row.velocity, vectorAdd(cb.position, arm),
-                        row.depth);
-        EXPECT_TRUE(isNear(perMass(cb.force), row.force, 1e-3));
-        EXPECT_TRUE(isNear(perMass(cb.torque), vectorCrossProduct(arm, row.force), 0.1));
+        for (int k = 0; k < 4; ++k)
+        {
+            ter.map[k < 2 ? 107 : 103][k % 2 ? 93 : 97] = row.depth[k];
+            const Vector push = {0, 12 * row.kept[k], 0};
+            force = vectorAdd(force, push);
+            torque = vectorAdd(torque, vectorCrossProduct(arms[k], push));
+        }
+        collideCubeTerrain();
+        EXPECT_TRUE(isNear(perMass(cb.force), force, 0.1)) << row.depth[0];
+        EXPECT_TRUE(isNear(perMass(cb.torque), torque, 1)) << row.depth[0];
     }
 }
 

@@ -54,14 +54,11 @@ TEST_F(World, StatusTellsWhyAnImageIsRefused)
         int type, width, height, depth; // of a file with six bytes of pixels
         int status, isTexture;
     } rows[] = {
-        {"no type", 0, 1, 1, 24, TGA_ERROR_TYPE, 0},
         {"colour-mapped", 1, 1, 1, 24, TGA_ERROR_COLOUR_MAP, 0},
         {"run-length encoded", 10, 1, 1, 24, TGA_ERROR_TYPE, 0},
         {"too short", 2, 1, 3, 24, TGA_ERROR_READ, 0},
         {"of negative size", 2, -1, 4, 24, TGA_ERROR_MEMORY, 0},
-        {"too large for memory", 2, 30000, 30000, 24, TGA_ERROR_MEMORY, 0},
         {"too large for the file", 2, 20000, 20000, 32, TGA_ERROR_READ, 0},
-        {"without whole bytes", 3, 9, 9, 7, TGA_OK, 0},
         {"without pixels", 2, 0, 9, 24, TGA_OK, 0},
         {"of two bytes a pixel", 2, 3, 1, 16, TGA_OK, 0},
         {"whole", 2, 2, 1, 24, TGA_OK, 1},
@@ -79,6 +76,8 @@ TEST_F(World, StatusTellsWhyAnImageIsRefused)
         tgaDestroy(image);
     }
     EXPECT_EQ(std::get<0>(load("none.tga")), TGA_ERROR_OPEN);
+    for (int i = 0; i < 1100; ++i)
+        ASSERT_EQ(std::get<0>(load("a.tga")), TGA_OK) << "no file stays open";
 }
 
 TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)

@@ -59,18 +59,18 @@ TEST_F(World, TanksEaseTowardsTheirGoalsDriveAlongTheirHeadingAndMindTheEdges)
 
 TEST_F(World, TanksOutOfRangeStartANewLegWhenTheLastIsDone)
 {
-    cb.position = {0, 300, 0};
-    for (int left : {0, 1})
+    for (unsigned seed = 0; seed < 9; ++seed)
     {
-        Tank tank = tankAt(0, {300, 20, -400}, 33); // 500 units off
-        tank.wanderDistance = left;
-        srand(3);
+        Tank tank = tankAt(0, vectorAdd(cb.position, {300, 0, -400}), 33); // 500 units off
         updateTankAI(&tank, &cb, shotLst, 9);
-        srand(3);
-        const int leg = rand() % 2000 + 500, goal = rand() % 360 - 180;
-        EXPECT_EQ(tank.wanderDistance, left ? 1 : leg);
-        EXPECT_EQ(tank.targetHeading, left ? 0 : goal);
-        EXPECT_EQ(tank.targetSpeed, left ? 33 : 100);
+        EXPECT_EQ(tank.targetSpeed, 33);
+        tank.wanderDistance = 0;
+        srand(seed);
+        updateTankAI(&tank, &cb, shotLst, 9);
+        srand(seed);
+        EXPECT_EQ(tank.wanderDistance, rand() % 2000 + 500);
+        EXPECT_EQ(tank.targetHeading, rand() % 360 - 180);
+        EXPECT_EQ(tank.targetSpeed, 100);
     }
     EXPECT_EQ(shotLst->head, nullptr);
 }
@@ -82,7 +82,8 @@ TEST_F(World, TanksWithinRangeStopFaceTheCubeAndFireEveryTwoSeconds)
         float time; // seconds since start-up
         int over, shots;
     } rows[] = {
-        {2, 0, 0}, {2.01f, 0, 1}, {4, 0, 1}, {4.02f, 0, 2}, {9, 1, 2},
+        {2, 0, 0}, // not yet more than two
+        {2.01f, 0, 1}, {4, 0, 1}, {4.02f, 0, 2}, {9, 1, 2},
     };
     cb.position = {10, 300, 30};
     Tank tank = tankAt(0, {309, 20, -370});

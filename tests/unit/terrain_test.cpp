@@ -73,10 +73,14 @@ TEST_F(World, PointsOfTheWorldMapToSamplesAndHeights)
         int sampleX, sampleZ;
         float height;
     } rows[] = {
-        {12.4f, 6.2f, 105, 95, 7.44f}, {12.6f, -12.6f, 106, 94, 4.96f}, {0.5f, 24, 105, 96, 9.8f},
-        {-2625, 0, 0, 95, 0},          {-2624, 0, 0, 95, 73.92f},       {2600, 0, 209, 95, 0},
-        {0, -2375, 105, 0, 0},         {0, 2350, 105, 189, 0},          {0, 2349, 105, 189, 0},
-        {-1, 2349, 105, 189, 73.92f},  {9e9f, -9999, 209, 0, 0},        {NAN, INFINITY, 0, 189, 0},
+        {12.4f, 6.2f, 105, 95, 7.44f}, {12.6f, -12.6f, 106, 94, 4.96f},
+        {0.5f, 24, 105, 96, 9.8f}, // the plane of the other half
+
+        {-2625, 0, 0, 95, 0},          {-2624, 0, 0, 95, 73.92f},
+        {2600, 0, 209, 95, 0},         {0, -2375, 105, 0, 0},
+        {0, 2350, 105, 189, 0},        {0, 2349, 105, 189, 0},
+        {-1, 2349, 105, 189, 73.92f},  {9e9f, -9999, 209, 0, 0},
+        {NAN, INFINITY, 0, 189, 0},
     };
     for (const auto &row : rows)
     {
@@ -136,9 +140,9 @@ TEST_F(World, DentsAndCratersHaveTheirFootprints)
 static Ids takeMarks()
 {
     Ids blocks;
-    for (int b = 0; b < 8 * 7; ++b)
-        if (std::exchange(ter.displayLists[b / 7][b % 7], 0) == DIRTY_LIST)
-            blocks.push_back(b / 7 * 10 + b % 7);
+    for (int b = 0; b < 8 * 8; ++b) // there is room for one more along z
+        if (std::exchange(ter.displayLists[b / 8][b % 8], 0) == DIRTY_LIST)
+            blocks.push_back(b / 8 * 10 + b % 8);
     return blocks;
 }
 
@@ -149,9 +153,9 @@ TEST_F(World, ChangesMarkTheBlocksWithinFiveSamplesOfThemUntilTheyAreDrawn)
         int x, z;
         Ids blocks;
     } rows[] = {
-        {24, 24, {0, 1, 10}}, {19, 62, {2}},  {20, 69, {2, 12}},  {62, 20, {20, 21}},
-        {29, 62, {2, 12}},    {30, 62, {12}}, {62, 29, {20, 21}}, {202, 12, {70}},
-        {62, 179, {26}},      {62, 180, {}},
+        {24, 24, {0, 1, 10}}, {19, 62, {2}}, // six from the next
+        {20, 69, {2, 12}},    {62, 20, {20, 21}}, {29, 62, {2, 12}}, {30, 62, {12}},
+        {62, 29, {20, 21}},   {202, 12, {70}},    {62, 179, {26}},   {62, 180, {}},
     };
     for (const auto &row : rows)
     {

@@ -7,12 +7,10 @@ TEST(Util, ScalarsHaveTheirClosedForms)
         const char *what;
         double actual, expected;
     } rows[] = {
-        {"whole part", 1.0 * truncateToInt(2.9), 2},
         {"whole part below 0", 1.0 * truncateToInt(-2.9), -2},
         {"too large", 1.0 * truncateToInt(3e9), 2147483647.0},
         {"too small", 1.0 * truncateToInt(-INFINITY), -2147483648.0},
         {"not a number", 1.0 * truncateToInt(NAN), 0},
-        {"absolute value", mod(-3), 3},
         {"radians", decToRad(90), PI / 2},
         {"degrees", radToDec(PI), 180},
         {"hypotenuse beyond float's squares", pithag(3e30f, -4e30f) / 5e30, 1},
@@ -28,7 +26,8 @@ TEST(Util, VectorsFollowTheirFormulasAndRoundOnce)
     EXPECT_TRUE(isNear(vectorCrossProduct({1, 2, 4}, {3, 5, 9}), {-2, 3, -1}, 0));
     EXPECT_EQ(vectorDotProduct({1, 2, 3}, {5, 7, 11}), 52);
     EXPECT_EQ(vectorDotProduct({1e8f, 1, -1e8f}, {1, 1, 1}), 1);
-    EXPECT_TRUE(isNear(normalizeVector({0, 0, 0}), {0, 0, 0}, 0));
+    EXPECT_TRUE(isNear(normalizeVector({0, 0, 0}), {0, 0, 0}, // nowhere
+                       0));
     const Vector plane[] = {{1, 10, 3}, {1, 9, 5}, {4, 8, 5}}; // 2 x + 6 y + 3 z = 71
     const Vector up = normal(plane[0], plane[1], plane[2]);
     EXPECT_TRUE(isNear(vectorMultiply(up, 7), {2, 6, 3}, 1e-6));
@@ -57,9 +56,13 @@ TEST(Util, QuaternionsAndMatricesTurnAlikeAboutEveryAxis)
         float degrees;
         Vector point, turned;
     } rows[] = {
-        {{1, 0, 0}, 90, {1, 2, 3}, {1, -3, 2}},    {{0, 1, 0}, 90, {1, 2, 3}, {3, 2, -1}},
-        {{0, 0, 1}, 90, {1, 2, 3}, {-2, 1, 3}},    {{2, 2, 2}, 120, {1, 2, 3}, {3, 1, 2}},
-        {{2, -3, 6}, 90, {49, 0, 0}, {4, 36, 33}}, {{3, 5, 7}, 0, {1, 2, 3}, {1, 2, 3}},
+        {{1, 0, 0}, 90, {1, 2, 3}, {1, -3, 2}},
+        {{0, 1, 0}, 90, {1, 2, 3}, {3, 2, -1}},
+        {{0, 0, 1}, 90, {1, 2, 3}, {-2, 1, 3}},
+        {{2, 2, 2}, 120, {1, 2, 3}, {3, 1, 2}},
+        // a slant, 7 long
+        {{2, -3, 6}, 90, {49, 0, 0}, {4, 36, 33}},
+        {{3, 5, 7}, 0, {1, 2, 3}, {1, 2, 3}},
     };
     for (const auto &row : rows)
     {
@@ -102,12 +105,12 @@ TEST(Util, OpenGLTakesMatricesColumnByColumn)
     Matrix3 star, transposed;
     createStarMatrix(star, {1, 2, 4});
     matrixTranspose(star, transposed);
-    const Matrix3 cross = {0, -4, 2, 4, 0, -1, -2, 1, 0};
+    EXPECT_EQ(std::vector<float>(star, star + 9),
+              std::vector<float>({0, -4, 2, 4, 0, -1, -2, 1, 0}));
     for (int i = 0; i < 16; ++i)
     {
         EXPECT_NEAR(product[i], expected[i], 1e-6) << i;
         EXPECT_EQ(rigid[i], expected[i]) << i;
-        EXPECT_EQ(star[i % 9], cross[i % 9]) << i;
-        EXPECT_EQ(transposed[i % 9], -cross[i % 9]) << i;
+        EXPECT_EQ(transposed[i % 9], -star[i % 9]) << i;
     }
 }

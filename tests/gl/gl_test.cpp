@@ -12,33 +12,6 @@ static void expectCorners(Vector centre, Vector s, Vector t)
     }
 }
 
-// The corners of all triangles that are drawn and not culled, for an eye at the origin that looks
-// along -z. Leaves that view's projection behind.
-static std::vector<Vector> verticesOf(std::function<void()> draw)
-{
-    constexpr float REACH = 8192;
-    std::vector<float> buffer(1 << 18);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(-REACH, REACH, -REACH, REACH, -REACH, REACH);
-    glMatrixMode(GL_MODELVIEW);
-    glFeedbackBuffer(1 << 18, GL_3D, buffer.data());
-    glRenderMode(GL_FEEDBACK);
-    draw();
-    const int size = glRenderMode(GL_RENDER);
-    std::vector<Vector> vertices;
-    for (int i = 0; i < size; i += 11) // a token, the count 3, three times x, y, z
-        for (const float *v = &buffer[i + 2]; v < &buffer[i] + 11; v += 3)
-            vertices.push_back({(v[0] / WIDTH * 2 - 1) * REACH, (v[1] / HEIGHT * 2 - 1) * REACH,
-                                (1 - v[2] * 2) * REACH});
-    return vertices;
-}
-
-static bool isAt(Vector a, Vector b) // within 0.1 units
-{
-    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z) < 0.1;
-}
-
 TEST_F(Scene, PictureBoardShowsItsFrontAheadAndItsBackBehindAndAddsNothingWhereItIsKeyed)
 {
     TRANSPARENCY = 1;
@@ -52,45 +25,6 @@ TEST_F(Scene, PictureBoardShowsItsFrontAheadAndItsBackBehindAndAddsNothingWhereI
     drawHorde(peopleLst, &cb);
     EXPECT_PRED2(isAlike, seen(look(), {-5, 11, 0}), WHITE);
     EXPECT_PRED2(isAlike, seen(look(), {5, 11, 0}), (Rgb{51, 51, 51}));
-}
-
-TEST_F(Scene, BlockDrawsTwentySixCellsByTwentyFiveAsFarAsTheGridReachesAndOnlyFromAbove)
-{
-    build(50, [](int x, int z) { return 64 + 2 * x + z; });
-    const std::array<int, 4> cases[] = {{0, 0, 26, 25}, {1, 0, 24, 25}, {0, 1, 26, 24}};
-    for (const auto &[bx, bz, cellsX, cellsZ] : cases)
-    {
-        const uint32_t list = ter.displayLists[bx][bz];
-        const auto from = [&](float tilt) { glRotatef(tilt, 1, 0, 0), glCallList(list); };
-        EXPECT_TRUE(verticesOf([&] { from(-90); }).empty());
-        const std::vector<Vector> drawn = verticesOf([&] { from(180); }); // heights toward the eye
-        EXPECT_EQ(drawn.size(), cellsX * cellsZ * 6u);
-        glLoadIdentity();
-        for (const Vector v : drawn)
-        {
-            const long i = std::lround((v.x + 625) / 25), j = std::lround((625 - v.y) / 25);
-            ASSERT_EQ(std::clamp<long>(i, bx * 25, bx * 25 + cellsX), i);
-            ASSERT_EQ(std::clamp<long>(j, bz * 25, bz * 25 + cellsZ), j);
-            ASSERT_NEAR(v.z, ter.map[i][j], 0.01);
-        }
-    }
-}
-
-TEST_F(Scene, DentShowsInTheFrameThatPressesIt)
-{
-    build(128);
-    for (float x = -800; x < 800; x += 200)
-    {
-        cb.position = {x, 195, 0}; // 5 units into the ground at 500 units/s: 4 units deep
-        cb.momentum = {0, -5e8f, 0};
-        const uint32_t old = ter.displayLists[worldToTerrainX(&ter, x + 50) / 25][2];
-        drawScreen();
-        const uint32_t list = ter.displayLists[worldToTerrainX(&ter, x + 50) / 25][2];
-        const auto drawn = verticesOf([&] { glDisable(GL_CULL_FACE), glCallList(list); });
-        const auto dented = [&](Vector v) { return isAt(v, {x + 50, 146, 50}); };
-        EXPECT_TRUE(std::any_of(drawn.begin(), drawn.end(), dented)) << x;
-        EXPECT_TRUE(list == old || !glIsList(old)) << "the old list is gone";
-    }
 }
 
 TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
@@ -165,12 +99,4 @@ TEST_F(Scene, ScreenGrabReadsBackItsRectangleAsItWasSeen)
         ASSERT_EQ((Rgb{pixel[0], pixel[1], pixel[2]}), expected) << i;
     }
     tgaDestroy(grab);
-}
-
-TEST_F(Scene, StickFigureIsFourteenUnitsHighOnItsFeet)
-{
-    const std::vector<Vector> drawn = verticesOf([] { drawPerson(nullptr); });
-    ASSERT_EQ(drawn.size(), 6 * 6u);
-    for (const Vector v : drawn)
-        EXPECT_TRUE(v.x > -4.1 && v.x < 6.1 && v.y > -0.1 && v.y < 14.1) << v;
 }

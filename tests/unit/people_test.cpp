@@ -56,28 +56,6 @@ TEST_F(World, ViewRangeIsAsWideAsTheDrawDistanceEachWay)
     }
 }
 
-TEST_F(World, HordeIsScatteredOverTheWholeLandWithFourNumbersEach)
-{
-    constexpr int COUNT = 300;
-    PeopleList *horde = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
-    srand(5);
-    ASSERT_EQ(makeList(horde, COUNT, 512, 401, 25), 1);
-    std::vector<Person> people(COUNT);
-    for (PersonNode **cell : horde->buckets)
-        for (const PersonNode *node = *cell; node; node = node->next)
-            people.at(node->person.id) = node->person;
-    srand(5);
-    for (const Person &person : people)
-    {
-        const int x = rand() % 12800 - 6400, z = static_cast<int>(rand() % 10025 - 5012.5);
-        const int velocityX = rand() % 90 - 45, velocityZ = rand() % 90 - 45;
-        EXPECT_TRUE(isNear(person.position, {float(x), 0, float(z)}, 0));
-        EXPECT_TRUE(isNear(person.velocity, {float(velocityX), 0, float(velocityZ)}, 0));
-    }
-    destroyPersonList(horde);
-    EXPECT_EQ(makeList(nullptr, 1, 512, 512, 25), 0);
-}
-
 TEST_F(World, PeopleFleeANearCubeAwayFromTheEdgesAndElseWanderAtTimes)
 {
     const struct

@@ -8,26 +8,31 @@
 // every run. Google Benchmark's options, such as --benchmark_filter=frame, go before the folder.
 #include "animate.h"
 #include "main.h"
+#include "view.h"
 
 #include <GL/gl.h>
-#include <GL/glu.h>
 #include <SDL.h>
 
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <string>
 #include <unistd.h>
 
 constexpr int WIDTH = 1024, HEIGHT = 768;
 constexpr int PEOPLE = 20000, TANKS = 1500;
-constexpr uint32_t STEP = 16;          // milliseconds
-constexpr int DRAW_DISTANCE = 5000;    // a part of the horde is in view
-constexpr int WHOLE_WORLD = 13000;     // all of it
-constexpr float GROUND_CLEARANCE = 50; // of the cube's centre: half its edge
-constexpr float EYE_DISTANCE = 300;    // behind the cube and above it
-constexpr int SHOTS = 10;
-constexpr int FRAMES = 40; // for each pass: some take no time of their own
+constexpr uint32_t STEP = 16;        // milliseconds
+constexpr int START_DISTANCE = 5000; // a part of the horde is in range
+constexpr int WHOLE_LAND = 40000;    // all of it is, and nothing is fogged
+constexpr float FOLLOW = 300;        // the eye behind the cube, and above the ground
+constexpr float NEIGHBOURHOOD = 500; // units, within which a crowd or a fight is counted
+constexpr int SEARCH_STEP = 4;       // samples between the places that are tried
+constexpr int SEARCH_MARGIN = 100;   // samples from the edges: people and tanks turn back there
+constexpr float CLEARANCE = 50;      // of the cube's centre above the ground: half its edge
+constexpr float HIGH_UP = 1500;      // the same in the air
+constexpr int PART_FRAMES = 40;      // for each part: some take no time of their own
 
 static uint32_t ticks = 0;
 
@@ -56,6 +61,7 @@ static int makeWorld()
     initCamera(&cam);
     if (!initTerrain(&ter))
         return 0;
+    initAnimation();
     const int spacing = static_cast<int>(ter.scale);
     if (!makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing) ||
         !makeTankList(tankLst, TANKS))
@@ -64,48 +70,145 @@ static int makeWorld()
     return 1;
 }
 
-// The cube stands in the middle of the land, the eye behind it, and a few shots fly above.
-static void arrangeScene()
+// ---- places -------------------------------------------------------------------------------------
+
+typedef double (*Score)(float x, float z); // how well a place suits; the best is taken
+
+// Where most people are in range.
+static double centrality(float x, float z)
 {
-    const float ground = getHeightAt(&ter, 0, 0);
-    cb.position = vectorInit(0, ground + GROUND_CLEARANCE, 0);
-    cb.momentum = vectorInit(0, 0, 0);
-    cam.position = vectorInit(0, ground + EYE_DISTANCE, -EYE_DISTANCE);
-    for (int i = 0; i < SHOTS; ++i)
-        addShot(shotLst, {0, {i * 20.0f, ground + EYE_DISTANCE, 200}, {0, 0, 0}, 0, nullptr});
+    return -pithag(x, z);
 }
 
-// Steps the world again and again with a cube that hovers out of reach.
-static void step(benchmark::State &state, int distance)
+static double flatness(float x, float z)
 {
+    double roughness = 0;
+    for (float reach = 100; reach <= 400; reach += 100)
+        for (const auto &[dx, dz] : {std::pair{reach, 0.0f}, {-reach, 0}, {0, reach}, {0, -reach}})
+            roughness += mod(getHeightAt(&ter, x + dx, z + dz) - getHeightAt(&ter, x, z));
+    return -roughness;
+}
+
+static double height(float x, float z)
+{
+    return getHeightAt(&ter, x, z);
+}
+
+static bool isNear(Vector position, float x, float z)
+{
+    return pithag(position.x - x, position.z - z) < NEIGHBOURHOOD;
+}
+
+static double peopleNear(float x, float z)
+{
+    int count = 0;
+    for (PersonNode **bucket : peopleLst->buckets)
+        for (const PersonNode *node = *bucket; node; node = node->next)
+            count += isNear(node->person.position, x, z);
+    return count;
+}
+
+static double tanksNear(float x, float z)
+{
+    int count = 0;
+    for (const TankNode *node = tankLst->head; node; node = node->next)
+        count += isNear(node->tank.position, x, z);
+    return count;
+}
+
+namespace
+{
+struct Scene
+{
+    const char *name;
+    Score score;
+    int searchStep; // samples
+    float clearance;
+};
+} // namespace
+
+constexpr Scene SCENES[] = {{"middle", centrality, SEARCH_STEP, CLEARANCE},
+                            {"plain", flatness, SEARCH_STEP, CLEARANCE},
+                            {"summit", height, SEARCH_STEP, CLEARANCE},
+                            {"crowd", peopleNear, SEARCH_STEP * 8, CLEARANCE},
+                            {"under fire", tanksNear, SEARCH_STEP, CLEARANCE},
+                            {"in the air", flatness, SEARCH_STEP, HIGH_UP}};
+
+static Vector bestPlace(const Scene &scene)
+{
+    Vector best = {};
+    double bestScore = -1e9;
+    for (int i = SEARCH_MARGIN; i < ter.width - SEARCH_MARGIN; i += scene.searchStep)
+        for (int j = SEARCH_MARGIN; j < ter.height - SEARCH_MARGIN; j += scene.searchStep)
+        {
+            const float x = static_cast<float>(i) * ter.scale - ter.worldWidth * 0.5f;
+            const float z = static_cast<float>(j) * ter.scale - ter.worldDepth * 0.5f;
+            const double score = scene.score(x, z);
+            if (score > bestScore)
+            {
+                bestScore = score;
+                best = {x, getHeightAt(&ter, x, z), z};
+            }
+        }
+    return best;
+}
+
+// The cube stands still at the place, the eye behind it as the camera would come to rest.
+static void arrange(const Scene &scene)
+{
+    static std::map<const Scene *, Vector> found;
+    if (!found.count(&scene))
+        found[&scene] = bestPlace(scene);
+    const Vector place = found[&scene];
+    while (shotLst->head)
+        removeShot(shotLst, *shotLst->head);
+    cb.position = {place.x, place.y + scene.clearance, place.z};
+    cb.momentum = cb.velocity = cb.angularMomentum = cb.force = cb.torque = {0, 0, 0};
+    cb.orientation = {1, 0, 0, 0};
+    cb.size = cb.targetSize = 100;
+    cb.heading = 90;
+    calcTargetView(&cam, &cb);
+    cam.position = {cam.target.x, 0, cam.target.z};
+    cam.position.y = getHeightAt(&ter, cam.position.x, cam.position.z) + FOLLOW;
+    cam.target.y = cam.position.y;
+}
+
+// ---- what is measured ---------------------------------------------------------------------------
+
+// Steps or draws again and again from the same start; the people and the tanks go on.
+static void repeat(benchmark::State &state, const Scene *scene, int distance, void (*work)())
+{
+    arrange(*scene);
     const Cube start = cb;
     const Camera eye = cam;
-    VIEW_DISTANCE = distance;
     for (auto _ : state)
     {
         cb = start;
-        cb.position.y += 1000;
-        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
+        cam = eye;
+        VIEW_DISTANCE = distance;
+        SHADOW = 1;
+        work();
     }
-    cb = start;
-    cam = eye;
-    VIEW_DISTANCE = DRAW_DISTANCE;
-    while (shotLst->head)
-        removeShot(shotLst, *shotLst->head);
+    glFinish();
+}
+
+static void step()
+{
+    animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
 }
 
 static void clearAndAim()
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glDisable(GL_ALPHA_TEST);
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
-    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x,
-              cb.position.y + cb.size, cb.position.z, 0, 1, 0);
+    lookAtCube();
 }
 
 static void terrain()
 {
-    drawTerrain(&ter, cb.position.x, cb.position.z, static_cast<float>(DRAW_DISTANCE));
+    drawTerrain(&ter, cb.position.x, cb.position.z, static_cast<float>(VIEW_DISTANCE));
 }
 
 static void horde()
@@ -116,11 +219,6 @@ static void horde()
 static void tanks()
 {
     drawTanks(tankLst, &cb, &ter);
-}
-
-static void shadow()
-{
-    renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
 }
 
 static void cubeShotsText()
@@ -137,49 +235,46 @@ static void cubeShotsText()
 
 namespace
 {
-struct Pass
+struct Part
 {
     const char *name;
     void (*draw)();
 };
 } // namespace
 
-constexpr Pass PASSES[] = {{"frame/clear", clearAndAim},
-                           {"frame/sky", drawSkyBox},
-                           {"frame/terrain", terrain},
-                           {"frame/horde", horde},
-                           {"frame/tanks", tanks},
-                           {"frame/shadow", shadow},
-                           {"frame/cube, shots, text", cubeShotsText},
-                           {"frame/swap", SDL_GL_SwapBuffers}};
+constexpr Part PARTS[] = {{"part/clear", clearAndAim},
+                          {"part/sky", drawSkyBox},
+                          {"part/terrain", terrain},
+                          {"part/horde", horde},
+                          {"part/tanks", tanks},
+                          {"part/shadow", drawShadow},
+                          {"part/cube, shots, text", cubeShotsText},
+                          {"part/swap", SDL_GL_SwapBuffers}};
 
-// Seconds that a pass takes; what was drawn before it is finished first.
-static double timePass(const Pass &pass)
+// Seconds that a part takes; what was drawn before it is finished first.
+static double timePart(const Part &part)
 {
     glFinish();
     const auto start = std::chrono::steady_clock::now();
-    pass.draw();
+    part.draw();
     glFinish();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Draws whole frames, since a pass costs what the earlier ones leave it to cover, and counts one.
-static void frame(benchmark::State &state, const Pass *counted)
+// Draws whole frames, since a part costs what the earlier ones leave it to cover, and counts one.
+static void partOfFrame(benchmark::State &state, const Part *counted)
 {
+    arrange(SCENES[0]);
+    VIEW_DISTANCE = START_DISTANCE;
+    drawScreen(); // sets the projection
     for (auto _ : state)
-        for (const Pass &pass : PASSES)
+        for (const Part &part : PARTS)
         {
-            const double seconds = timePass(pass);
-            if (&pass == counted)
+            const double seconds = timePart(part);
+            if (&part == counted)
                 state.SetIterationTime(seconds);
         }
-}
-
-static void wholeFrame(benchmark::State &state)
-{
-    for (auto _ : state)
-        for (const Pass &pass : PASSES)
-            pass.draw();
+    clearView();
 }
 
 static void peopleGrid(benchmark::State &state)
@@ -225,21 +320,21 @@ int main(int argc, char **argv)
         puts("No world: the folder of the images is missing");
         return EXIT_FAILURE;
     }
-    arrangeScene();
 
-    for (const Pass &pass : PASSES)
-        benchmark::RegisterBenchmark(pass.name, frame, &pass)
-            ->UseManualTime()
-            ->Iterations(FRAMES)
-            ->Unit(benchmark::kMillisecond);
-    const auto add = [](const char *name, auto... how)
-    { benchmark::RegisterBenchmark(name, how...)->Unit(benchmark::kMillisecond)->UseRealTime(); };
-    add("frame", wholeFrame);
-    add("step", step, DRAW_DISTANCE);
-    add("step/whole horde in view", step, WHOLE_WORLD);
-    add("start/makeList", peopleGrid);
-    add("start/initTerrain", land);
-    add("start/tgaLoad(Map.tga)", mapImage);
+    const auto add = [](std::string name, auto... how)
+    { return benchmark::RegisterBenchmark(name.c_str(), how...)->Unit(benchmark::kMillisecond); };
+    for (const int distance : {START_DISTANCE, WHOLE_LAND})
+        for (const Scene &scene : SCENES)
+        {
+            const std::string where = std::string(scene.name) + "/" + std::to_string(distance);
+            add("frame/" + where, repeat, &scene, distance, drawScreen)->UseRealTime();
+            add("step/" + where, repeat, &scene, distance, step)->UseRealTime();
+        }
+    for (const Part &part : PARTS)
+        add(part.name, partOfFrame, &part)->UseManualTime()->Iterations(PART_FRAMES);
+    add("start/makeList", peopleGrid)->UseRealTime();
+    add("start/initTerrain", land)->UseRealTime();
+    add("start/tgaLoad(Map.tga)", mapImage)->UseRealTime();
     benchmark::RunSpecifiedBenchmarks();
     SDL_Quit();
 }

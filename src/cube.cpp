@@ -68,23 +68,34 @@ Vector getCornerVelocity(const Cube *cube, int corner)
     return vectorAdd(cube->velocity, vectorCrossProduct(cube->angularVelocity, arm));
 }
 
-static bool isBetween(double value, double limit)
+// In whole units, as far as they go.
+static bool isWithin(double offset, double limit)
 {
-    return value > -limit && value < limit;
+    return std::fabs(std::trunc(offset)) < limit;
 }
 
 int cubeCovers(const Cube *cube, Vector position, double reach)
 {
-    const double dx = std::trunc(static_cast<double>(cube->position.x) - position.x);
-    const double dy = std::trunc(static_cast<double>(cube->position.y) - position.y);
-    const double dz = std::trunc(static_cast<double>(cube->position.z) - position.z);
+    const double x = cube->position.x, y = cube->position.y, z = cube->position.z;
     const double half = 0.5 * cube->size;
-    return isBetween(dx, half) && isBetween(dz, half) && isBetween(dy, reach);
+    return isWithin(x - position.x, half) && isWithin(z - position.z, half) &&
+           isWithin(y - position.y, reach);
 }
 
 int cubeCrushes(const Cube *cube, Vector position)
 {
     return cubeCovers(cube, position, cube->size);
+}
+
+static Vector farBelow(Vector corner)
+{
+    const Vector down = vectorInit(corner.x, static_cast<float>(corner.y - FAR_BELOW), corner.z);
+    return vectorMultiply(normalizeVector(down), static_cast<float>(FAR_BELOW));
+}
+
+Vector getShadowEnd(const Cube *cube, int corner)
+{
+    return farBelow(getCorner(cube, corner));
 }
 
 static void applyGravity(Cube *cube, float dt)
@@ -252,12 +263,6 @@ constexpr float SHADOW_BOX[24][3] = {
     {-1, 1, 1},   {-1, 1, -1}, {1, 1, -1},   {1, 1, 1},    // y = +
     {1, -1, 1},   {1, -1, -1}, {-1, -1, -1}, {-1, -1, 1},  // y = -
 };
-
-static Vector farBelow(Vector corner)
-{
-    const Vector down = vectorInit(corner.x, static_cast<float>(corner.y - FAR_BELOW), corner.z);
-    return vectorMultiply(normalizeVector(down), static_cast<float>(FAR_BELOW));
-}
 
 void renderShadowVolume(const Cube *cube, int a, int b, int c, int d)
 {

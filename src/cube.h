@@ -49,6 +49,8 @@ int cubeCovers(const Cube *cube, Vector position, double reach);
 // The same for a body on the ground, which a cube a whole edge above or below it still crushes.
 int cubeCrushes(const Cube *cube, Vector position);
 
+Vector getShadowEnd(const Cube *cube, int corner); // of the shadow prisms' edge below the corner
+
 // Changes
 // One step of dt seconds (semi-implicit Euler): gravity, growth, then everything accumulated since
 // the last step. Sets gameOver once the size is below 50.

@@ -2,12 +2,14 @@
 
 #include "animate.h"
 #include "texture.h"
+#include "view.h"
 
 #include <GL/freeglut.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
 #include <SDL.h>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstdarg>
@@ -48,9 +50,12 @@ constexpr double FAST_FRAME = 0.028; // seconds; below it the draw distance grow
 constexpr double SLOW_FRAME = 0.04;  // seconds; above it the draw distance shrinks
 constexpr int DISTANCE_STEP = 5;
 constexpr int FULL_DISTANCE = 5000;
+// In play the eye stays within some 700 units of the cube and its texts: half of this still shows
+// them, and the ground around, before the fog.
+constexpr int SHORTEST_DISTANCE = 3000;
 // After game over the eye circles 1000 units from the cube and as far above the ground, on hills up
-// to 600 high: nearer than this the far plane could hide what is left of the cube.
-constexpr int SHORTEST_DISTANCE = 4500;
+// to 600 high, so some 1900 away: nearer than this the fog would hide the text.
+constexpr int SHORTEST_AFTER_GAME_OVER = 4500;
 constexpr float SHADOW_BUDGET = 2.0f; // seconds below the full draw distance before it is given up
 constexpr double GAME_OVER_SPIN = 20.0; // degrees per second
 
@@ -393,19 +398,26 @@ static void raiseCameraGoal()
     cam.target.y = getHeightAt(&ter, cam.position.x, cam.position.z) + cam.followDistance;
 }
 
-static void lookAtCube()
+void lookAtCube()
 {
     const double ground = getHeightAt(&ter, cb.position.x, cb.position.z);
-    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x,
-              (ground + cb.position.y) * 0.5 + cb.size, cb.position.z, 0, 1, 0);
+    const double y = (ground + cb.position.y) * 0.5 + cb.size;
+    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x, y, cb.position.z, 0, 1,
+              0);
+    const Eye eye = {cam.position,  {cb.position.x, y, cb.position.z},
+                     FIELD_OF_VIEW, ratio,
+                     NEAR_PLANE,    VIEW_DISTANCE * 0.5};
+    setView(&eye);
 }
 
 static void adaptDrawDistance()
 {
     if (timeH < FAST_FRAME)
         VIEW_DISTANCE += DISTANCE_STEP;
-    if (timeH > SLOW_FRAME && VIEW_DISTANCE - DISTANCE_STEP >= SHORTEST_DISTANCE)
+    if (timeH > SLOW_FRAME)
         VIEW_DISTANCE -= DISTANCE_STEP;
+    VIEW_DISTANCE =
+        std::max(VIEW_DISTANCE, gameOver == 1 ? SHORTEST_AFTER_GAME_OVER : SHORTEST_DISTANCE);
 }
 
 static void spendShadowBudget()
@@ -414,6 +426,26 @@ static void spendShadowBudget()
         shadowSwitchTime += timeH;
     if (shadowSwitchTime >= SHADOW_BUDGET)
         SHADOW = 0;
+}
+
+// What the buffer holds at start is undefined, and the first shadow's boxes put all of it to 0,
+// unless they are drawn as lines. After that they need to cover no more than the prisms can.
+void drawShadow()
+{
+    static bool isStencilZero = false;
+    Vector ends[2 * CUBE_CORNERS];
+    for (int corner = 1; corner <= CUBE_CORNERS; ++corner)
+    {
+        ends[2 * corner - 2] = getCorner(&cb, corner);
+        ends[2 * corner - 1] = getShadowEnd(&cb, corner);
+    }
+    const ScreenArea area = screenArea(ends, 2 * CUBE_CORNERS, DISPLAY_WIDTH, DISPLAY_HEIGHT);
+    if (isStencilZero && WIRE_FRAME == 0)
+        glEnable(GL_SCISSOR_TEST);
+    glScissor(area.x, area.y, area.width, area.height);
+    renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
+    glDisable(GL_SCISSOR_TEST);
+    isStencilZero = true;
 }
 
 static void placeAndDrawCube()
@@ -438,6 +470,7 @@ static void showGameOver()
 void drawScreen()
 {
     beginFrame();
+    glDisable(GL_ALPHA_TEST);
     animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
     raiseCameraGoal();
     glPushMatrix();
@@ -450,7 +483,7 @@ void drawScreen()
     adaptDrawDistance();
     spendShadowBudget();
     if (SHADOW == 1)
-        renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
+        drawShadow();
     placeAndDrawCube();
     drawShots(shotLst, &ter);
     glColor3f(0, 0, 0);
@@ -459,6 +492,8 @@ void drawScreen()
     if (gameOver == 1)
         showGameOver();
     glPopMatrix();
+    clearView();
+    glEnable(GL_ALPHA_TEST);
     SDL_GL_SwapBuffers();
 }
 
@@ -467,8 +502,15 @@ void drawScreen()
 void initSkyBoxTexture()
 {
     skyBoxSize = 100;
-    loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
-                &skyBoxTexName);
+    if (!loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
+                     &skyBoxTexName))
+        return;
+    // GL_CLAMP mixes the border into all edges of the walls: black, its default, would line them.
+    const uint8_t *first = skyBoxImage->imageData;
+    const float border[] = {first[0] / 255.0f, first[1] / 255.0f, first[2] / 255.0f, 1};
+    glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
+    glTexParameterfv(GL_TEXTURE_2D, GL_TEXTURE_BORDER_COLOR, border);
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 namespace

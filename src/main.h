@@ -44,9 +44,11 @@ void handleKeyDown();     // turns the held keys into torque and heading of cb
 
 // The frame: steps the world, draws it, swaps the buffers.
 void drawScreen();
+void lookAtCube();         // from cam to cb, in OpenGL and in the module view
 void collideCubeTerrain(); // dents the ground under cb and pushes cb out of it
 void initSkyBoxTexture();  // from TexSkyBox.tga; without it the sky is drawn plain
 void drawSkyBox();         // around the eye, behind everything
+void drawShadow();         // of cb, no more of the screen than it can cover
 void displayScore();       // the texts take the current colour
 void displaySize();
 void displayGameOver();

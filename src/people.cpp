@@ -1,12 +1,14 @@
 #include "people.h"
 
 #include "main.h"
+#include "view.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 constexpr double GRID_CENTRE = BUCKET_COUNT / 2.0; // bucket units from the edge to the world origin
 constexpr float FLEE_RADIUS = 500.0f;
@@ -44,10 +46,15 @@ ViewRange viewRange(const PeopleList *list, const Cube *cube)
     return range;
 }
 
+static int hasLeft(const Person *person, int row, int column, int steprate)
+{
+    return bucketOf(person->position.x, steprate) != row ||
+           bucketOf(person->position.z, steprate) != column;
+}
+
 int needUpdate(Person person, int row, int column, int steprate)
 {
-    return bucketOf(person.position.x, steprate) != row ||
-           bucketOf(person.position.z, steprate) != column;
+    return hasLeft(&person, row, column, steprate);
 }
 
 static PersonNode *makeNode(Person person, int row, int column)
@@ -238,20 +245,30 @@ int destroyPersonList(PeopleList *list)
 
 // ---- behaviour ----------------------------------------------------------------------------------
 
-static bool isBetween(float value, int low, int high)
+// Both axes use the bounds of the width.
+static Span livingSpace(double extent)
 {
-    return static_cast<float>(low) < value && value < static_cast<float>(high);
+    return {static_cast<float>(truncateToInt(extent * -0.5 + EDGE_MARGIN)),
+            static_cast<float>(truncateToInt(extent * 0.5 - EDGE_MARGIN))};
 }
 
-void updateAI(Person *person, const Cube *cube, int width, int resolution)
+static bool isWithin(Span span, float value)
 {
-    const int extent = width * resolution;
-    const int high = truncateToInt(extent * 0.5 - EDGE_MARGIN);
-    const int low = truncateToInt(extent * -0.5 + EDGE_MARGIN);
+    return span.low < value && value < span.high;
+}
+
+// Closer than the radius; the first test spares most people the root.
+static bool isNearby(float dx, float dz)
+{
+    return mod(dx) < FLEE_RADIUS && mod(dz) < FLEE_RADIUS && pithag(dx, dz) < FLEE_RADIUS;
+}
+
+static void think(Person *person, const Cube *cube, Span space)
+{
     const float dx = person->position.x - cube->position.x;
     const float dz = person->position.z - cube->position.z;
-    if (pithag(dx, dz) < FLEE_RADIUS && isBetween(person->position.x, low, high) &&
-        isBetween(person->position.z, low, high))
+    if (isNearby(dx, dz) && isWithin(space, person->position.x) &&
+        isWithin(space, person->position.z))
     {
         person->velocity.x = dx;
         person->velocity.z = dz;
@@ -263,42 +280,94 @@ void updateAI(Person *person, const Cube *cube, int width, int resolution)
     }
 }
 
-// Both axes use the bounds of the width, and the z rule comes last: it wins in a corner.
-static void turnBackAtEdge(Person *person, const Terrain *terrain)
+void updateAI(Person *person, const Cube *cube, int width, int resolution)
 {
-    const double extent = static_cast<double>(terrain->width) * terrain->scale;
-    const int high = truncateToInt(extent * 0.5 - EDGE_MARGIN);
-    const int low = truncateToInt(extent * -0.5 + EDGE_MARGIN);
+    think(person, cube, livingSpace(width * resolution));
+}
+
+// The z rule comes last: it wins in a corner.
+static void turnBackAtEdge(Person *person, Span space)
+{
     Vector *velocity = &person->velocity;
-    if (person->position.x > static_cast<float>(high))
+    if (person->position.x > space.high)
         *velocity = vectorInit(-TOP_SPEED, velocity->y, 0);
-    else if (person->position.x < static_cast<float>(low))
+    else if (person->position.x < space.low)
         *velocity = vectorInit(TOP_SPEED, velocity->y, 0);
-    if (person->position.z > static_cast<float>(high))
+    if (person->position.z > space.high)
         *velocity = vectorInit(0, velocity->y, -TOP_SPEED);
-    else if (person->position.z < static_cast<float>(low))
+    else if (person->position.z < space.low)
         *velocity = vectorInit(0, velocity->y, TOP_SPEED);
 }
 
-void updatePersonPosition(Person *person, const Terrain *terrain, float h)
+static float yawAlong(Vector velocity)
+{
+    return static_cast<float>(270.0 - findDirection(vectorInit(0, 0, 0), velocity));
+}
+
+namespace
+{
+constexpr int WHOLE_TOP_SPEED = static_cast<int>(TOP_SPEED);
+
+// The yaw along every velocity of whole units. People start with one and change it by whole units:
+// only those who have fled need an arc cosine of their own.
+struct YawTable
+{
+    float yaw[2 * WHOLE_TOP_SPEED + 1][2 * WHOLE_TOP_SPEED + 1]; // [x][z], from -TOP_SPEED
+
+    YawTable()
+    {
+        for (int x = -WHOLE_TOP_SPEED; x <= WHOLE_TOP_SPEED; ++x)
+            for (int z = -WHOLE_TOP_SPEED; z <= WHOLE_TOP_SPEED; ++z)
+                yaw[x + WHOLE_TOP_SPEED][z + WHOLE_TOP_SPEED] =
+                    yawAlong(vectorInit(static_cast<float>(x), 0, static_cast<float>(z)));
+    }
+};
+} // namespace
+
+// The same for a velocity within the top speed, from the table when it stands there.
+static float walkingYaw(Vector velocity)
+{
+    static const YawTable table;
+    const int x = truncateToInt(velocity.x), z = truncateToInt(velocity.z);
+    if (static_cast<float>(x) != velocity.x || static_cast<float>(z) != velocity.z)
+        return yawAlong(velocity);
+    return table.yaw[x + WHOLE_TOP_SPEED][z + WHOLE_TOP_SPEED];
+}
+
+static void walk(Person *person, const Terrain *terrain, float h, Span space)
 {
     Vector *position = &person->position, *velocity = &person->velocity;
     velocity->x = std::clamp(velocity->x, -TOP_SPEED, TOP_SPEED);
     velocity->z = std::clamp(velocity->z, -TOP_SPEED, TOP_SPEED);
-    turnBackAtEdge(person, terrain);
-    person->direction = static_cast<float>(270.0 - findDirection(vectorInit(0, 0, 0), *velocity));
+    turnBackAtEdge(person, space);
+    person->direction = walkingYaw(*velocity);
     position->x = static_cast<float>(position->x + static_cast<double>(velocity->x) * h);
     position->y = getHeightAt(terrain, position->x, position->z); // at the new x and the old z
     position->z = static_cast<float>(position->z + static_cast<double>(velocity->z) * h);
 }
 
-int checkPersonCollision(Person person, Cube *cube)
+static double extentOf(const Terrain *terrain)
 {
-    if (!cubeCrushes(cube, person.position))
+    return static_cast<double>(terrain->width) * terrain->scale;
+}
+
+void updatePersonPosition(Person *person, const Terrain *terrain, float h)
+{
+    walk(person, terrain, h, livingSpace(extentOf(terrain)));
+}
+
+static int crush(const Person *person, Cube *cube)
+{
+    if (!cubeCrushes(cube, person->position))
         return 0;
     cube->targetSize += GROWTH_PER_PERSON;
     cube->score += SCORE_PER_PERSON;
     return 1;
+}
+
+int checkPersonCollision(Person person, Cube *cube)
+{
+    return crush(&person, cube);
 }
 
 namespace
@@ -308,6 +377,18 @@ struct PendingChanges
 {
     PersonNode **removals;
     PersonNode **additions;
+};
+
+// One step of everybody in range: what it needs that does not depend on the person.
+struct Sweep
+{
+    PeopleList *list;
+    Cube *cube;
+    Terrain *terrain;
+    float h;
+    Span fleeingSpace; // where people flee from the cube
+    Span livingSpace;  // where they do not turn back
+    PendingChanges pending;
 };
 } // namespace
 
@@ -336,18 +417,18 @@ static void pendMove(PendingChanges *pending, Person person, int row, int column
     push(pending->additions, addition);
 }
 
-static void sweepBucket(PeopleList *list, int row, int column, Cube *cube, float h,
-                        Terrain *terrain, PendingChanges *pending)
+static void sweepBucket(Sweep *sweep, int row, int column)
 {
-    const int resolution = truncateToInt(terrain->scale);
-    for (PersonNode *node = *bucketAt(list, row, column); node; node = node->next)
+    const int steprate = sweep->list->steprate;
+    for (PersonNode *node = *bucketAt(sweep->list, row, column); node; node = node->next)
     {
-        updateAI(&node->person, cube, terrain->width, resolution);
-        updatePersonPosition(&node->person, terrain, h);
-        if (checkPersonCollision(node->person, cube))
-            pendCrushed(pending, terrain, node->person, row, column);
-        else if (needUpdate(node->person, row, column, list->steprate))
-            pendMove(pending, node->person, row, column);
+        Person *person = &node->person;
+        think(person, sweep->cube, sweep->fleeingSpace);
+        walk(person, sweep->terrain, sweep->h, sweep->livingSpace);
+        if (crush(person, sweep->cube))
+            pendCrushed(&sweep->pending, sweep->terrain, *person, row, column);
+        else if (hasLeft(person, row, column, steprate))
+            pendMove(&sweep->pending, *person, row, column);
     }
 }
 
@@ -370,18 +451,25 @@ static void applyChanges(PeopleList *list, PendingChanges *pending)
 void updatePerson(PeopleList *list, Cube *cube, float h, Terrain *terrain)
 {
     const ViewRange range = viewRange(list, cube);
-    PendingChanges pending = {makeCell(), makeCell()};
-    if (pending.removals && pending.additions)
+    const int resolution = truncateToInt(terrain->scale);
+    Sweep sweep = {list,
+                   cube,
+                   terrain,
+                   h,
+                   livingSpace(terrain->width * resolution),
+                   livingSpace(extentOf(terrain)),
+                   {makeCell(), makeCell()}};
+    if (sweep.pending.removals && sweep.pending.additions)
     {
         for (int row = range.firstRow; row < range.endRow; ++row)
             for (int column = range.firstColumn; column < range.endColumn; ++column)
-                sweepBucket(list, row, column, cube, h, terrain, &pending);
-        applyChanges(list, &pending);
+                sweepBucket(&sweep, row, column);
+        applyChanges(list, &sweep.pending);
     }
     else
         fputs("Failed to allocate memory to remove list\n", stdout);
-    free(pending.removals);
-    free(pending.additions);
+    free(sweep.pending.removals);
+    free(sweep.pending.additions);
 }
 
 // ---- drawing ------------------------------------------------------------------------------------
@@ -450,11 +538,43 @@ void drawPerson(const Person *person)
         drawStickFigure();
 }
 
+// A sphere around a person in either drawing, whichever way it is turned.
+constexpr float FIGURE_MIDDLE = FEET_ABOVE_GROUND + 10;
+constexpr float FIGURE_RADIUS = 14.2f;
+
+static bool isInView(const Person &person)
+{
+    const Vector feet = person.position;
+    return sphereInView({feet.x, feet.y + FIGURE_MIDDLE, feet.z}, FIGURE_RADIUS);
+}
+
+// World x of a row's people; the outermost rows also hold those beyond the grid.
+static Span rowSpan(const PeopleList *list, int row)
+{
+    const float infinity = std::numeric_limits<float>::infinity();
+    const auto edge = [list](int r)
+    { return static_cast<float>((r - GRID_CENTRE) * list->steprate); };
+    return {row == 0 ? -infinity : edge(row), row == BUCKET_COUNT - 1 ? infinity : edge(row + 1)};
+}
+
+// Takes out the columns of a row in which nobody can be in view.
+static void narrowToView(const PeopleList *list, int row, int *firstColumn, int *endColumn)
+{
+    const Span x = rowSpan(list, row);
+    const Span z = viewSpan({x.low - FIGURE_RADIUS, x.high + FIGURE_RADIUS});
+    const auto column = [list](float at)
+    { return std::clamp(bucketOf(at, list->steprate), 0, BUCKET_COUNT - 1); };
+    *firstColumn = std::max(*firstColumn, column(z.low - FIGURE_RADIUS));
+    *endColumn = std::min(*endColumn, z.low > z.high ? 0 : column(z.high + FIGURE_RADIUS) + 1);
+}
+
 static void drawBucket(const PeopleList *list, int row, int column)
 {
     for (const PersonNode *node = *bucketAt(list, row, column); node; node = node->next)
     {
         const Person &person = node->person;
+        if (!isInView(person))
+            continue;
         glPushMatrix();
         glTranslatef(person.position.x, person.position.y + FEET_ABOVE_GROUND, person.position.z);
         glRotatef(person.direction, 0, 1, 0);
@@ -472,6 +592,10 @@ void drawHorde(const PeopleList *list, const Cube *cube)
     }
     const ViewRange range = viewRange(list, cube);
     for (int row = range.firstRow; row < range.endRow; ++row)
-        for (int column = range.firstColumn; column < range.endColumn; ++column)
+    {
+        int column = range.firstColumn, endColumn = range.endColumn;
+        narrowToView(list, row, &column, &endColumn);
+        for (; column < endColumn; ++column)
             drawBucket(list, row, column);
+    }
 }

@@ -72,4 +72,4 @@ int checkPersonCollision(Person person, Cube *cube); // 1 when crushed; the cube
 
 // Drawing
 void drawPerson(const Person *person); // at the origin; for use inside a list being compiled
-void drawHorde(const PeopleList *list, const Cube *cube);
+void drawHorde(const PeopleList *list, const Cube *cube); // those in range and in view

@@ -2,6 +2,7 @@
 
 #include "main.h"
 #include "texture.h"
+#include "view.h"
 
 #include <GL/gl.h>
 
@@ -263,6 +264,7 @@ struct Quad
 } // namespace
 
 constexpr float ATLAS_UNITS = 32.0f;
+constexpr float MODEL_RADIUS = 4.5f; // model units from the ground under it to the muzzle's tip
 
 constexpr Quad HULL[] = {
     // left track, outer
@@ -430,5 +432,6 @@ void drawTanks(TankList *list, const Cube *cube, const Terrain *terrain)
     setTankSurface(list);
     settleTanks(list, terrain);
     for (const TankNode *node = list->head; node; node = node->next)
-        drawOneTank(list, &node->tank, cube, terrain);
+        if (sphereInView(node->tank.position, node->tank.scale * MODEL_RADIUS))
+            drawOneTank(list, &node->tank, cube, terrain);
 }

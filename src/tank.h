@@ -62,4 +62,5 @@ void settleTanks(TankList *list, const Terrain *terrain);        // puts every t
 // Drawing
 void drawTank(const Tank *tank);   // hull and tracks at the origin; reads nothing of the tank
 void drawTurret(const Tank *tank); // turret and barrel, likewise
-void drawTanks(TankList *list, const Cube *cube, const Terrain *terrain); // settles, then draws
+void drawTanks(TankList *list, const Cube *cube,
+               const Terrain *terrain); // settles all, draws those in view

@@ -1,13 +1,18 @@
 #include "terrain.h"
 
 #include "texture.h"
+#include "view.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
+constexpr char HEIGHT_MAP[] = "Map.tga";
+constexpr char COLOUR_MAP[] = "MapTex.tga";
 constexpr float SAMPLE_SPACING = 25.0f;
 constexpr float INVERSE_SPACING = 0.04f;
 constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 256
@@ -62,11 +67,32 @@ static int allocateSamples(Terrain *terrain)
     return 1;
 }
 
+// Mostly the game was started in another folder than that of its images.
+static void tellWhereMapsAreSought()
+{
+    char folder[4096]; // the longest path that Linux knows
+    const char *here = getcwd(folder, sizeof(folder)) ? folder : "a folder that is gone";
+    fprintf(stderr, "No land: looked for %s and %s in %s\n", HEIGHT_MAP, COLOUR_MAP, here);
+}
+
+static int isMissing(const TgaImage *image)
+{
+    return image && image->status == TGA_ERROR_OPEN;
+}
+
+static int refuseMaps(const TgaImage *heights, const TgaImage *colours)
+{
+    fputs("   ...couldn't load TGA\n", stderr);
+    if (isMissing(heights) || isMissing(colours))
+        tellWhereMapsAreSought();
+    return 0;
+}
+
 // Checks the two maps against each other and against what the mapping of pixels to samples needs.
 static int acceptMaps(TgaImage *heights, const TgaImage *colours)
 {
     if (!heights || heights->status != TGA_OK || !colours || colours->status != TGA_OK)
-        return fail("   ...couldn't load TGA\n");
+        return refuseMaps(heights, colours);
     if (heights->width != colours->width || heights->height != colours->height)
         return fail("   ...Height image is different size than texture image\n");
     if (tgaBytesPerPixel(heights) == 3)
@@ -122,8 +148,8 @@ static void constructSamples(Terrain *terrain, const TgaImage *heights, const Tg
 static int buildSamples(Terrain *terrain)
 {
     fputs("Loading image...\n", stderr);
-    TgaImage *heights = tgaLoad("Map.tga");
-    TgaImage *colours = tgaLoad("MapTex.tga");
+    TgaImage *heights = tgaLoad(HEIGHT_MAP);
+    TgaImage *colours = tgaLoad(COLOUR_MAP);
     int built = acceptMaps(heights, colours);
     if (built)
     {
@@ -145,7 +171,9 @@ static int compileBlocks(Terrain *terrain)
     fprintf(stderr, "   ...Terrain Size: (%d * %d)\n", terrain->width, terrain->height);
     fprintf(stderr, "   ...Number of blocks: (%d * %d)\n", terrain->blocksX, terrain->blocksZ);
     terrain->displayLists = allocateColumns<uint32_t>(terrain->blocksX, terrain->blocksZ);
-    if (!isWhole(terrain->displayLists, terrain->blocksX))
+    terrain->blockHeights = allocateColumns<HeightRange>(terrain->blocksX, terrain->blocksZ);
+    if (!isWhole(terrain->displayLists, terrain->blocksX) ||
+        !isWhole(terrain->blockHeights, terrain->blocksX))
         return fail("   ...display list array not initialised\n");
     for (int bx = 0; bx < terrain->blocksX; ++bx)
         for (int bz = 0; bz < terrain->blocksZ; ++bz)
@@ -183,11 +211,13 @@ void deleteTerrain(Terrain *terrain)
     freeColumns(terrain->colours, terrain->width);
     fputs("Freeing Terrain...\n", stderr);
     freeColumns(terrain->displayLists, terrain->blocksX);
+    freeColumns(terrain->blockHeights, terrain->blocksX);
     fputs("   ...freed array entries\n", stderr);
     free(terrain->map);
     free(terrain->normals);
     free(terrain->colours);
     free(terrain->displayLists);
+    free(terrain->blockHeights);
     fputs("   ...done\n", stderr);
 }
 
@@ -209,11 +239,14 @@ int worldToTerrainZ(const Terrain *terrain, float z)
     return nearestSample(z, terrain->worldDepth, terrain->inverseScale, terrain->height);
 }
 
-static Vector samplePoint(const Terrain *terrain, int x, int z)
+static float sampleX(const Terrain *terrain, int x)
 {
-    return vectorInit(static_cast<float>(x * terrain->scale - terrain->worldWidth * 0.5),
-                      terrain->map[x][z],
-                      static_cast<float>(z * terrain->scale - terrain->worldDepth * 0.5));
+    return static_cast<float>(static_cast<float>(x) * terrain->scale - terrain->worldWidth * 0.5);
+}
+
+static float sampleZ(const Terrain *terrain, int z)
+{
+    return static_cast<float>(static_cast<float>(z) * terrain->scale - terrain->worldDepth * 0.5);
 }
 
 float getHeightAt(const Terrain *terrain, float x, float z)
@@ -226,10 +259,17 @@ float getHeightAt(const Terrain *terrain, float x, float z)
         return 0;
     const int ix = static_cast<int>(fx);
     const int iz = static_cast<int>(fz);
-    Vector point = vectorInit(x, 0, z);
-    findYvalue(samplePoint(terrain, ix, iz), samplePoint(terrain, ix + 1, iz),
-               samplePoint(terrain, ix + 1, iz + 1), &point);
-    return point.y;
+    // findYvalue for corners that share their x and z in pairs, which leaves out what is 0.
+    const float x0 = sampleX(terrain, ix), spanX = sampleX(terrain, ix + 1) - x0;
+    const float z0 = sampleZ(terrain, iz), spanZ = sampleZ(terrain, iz + 1) - z0;
+    const float y0 = terrain->map[ix][iz];
+    const double rise = terrain->map[ix + 1][iz] - y0;
+    const double riseAcross = terrain->map[ix + 1][iz + 1] - y0;
+    const float nx = static_cast<float>(rise * spanZ);
+    const float ny = static_cast<float>(-static_cast<double>(spanZ) * spanX);
+    const float nz = static_cast<float>(spanX * riseAcross - spanX * rise);
+    const double dx = static_cast<double>(x) - x0, dz = static_cast<double>(z) - z0;
+    return static_cast<float>(y0 - (nx * dx + nz * dz) / ny);
 }
 
 // ---- changes ------------------------------------------------------------------------------------
@@ -378,6 +418,24 @@ void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, 
     }
 }
 
+// Heights are only ever widened here: a block that shows a corner sample of its diagonal neighbour
+// is not marked with it, and goes on showing the old height until it is compiled again.
+static void widenBlockHeights(Terrain *terrain, int i, int j)
+{
+    if (i < 0 || i >= terrain->width || j < 0 || j >= terrain->height)
+        return;
+    const float height = terrain->map[i][j];
+    const int lastX = std::min(i / BLOCK_SIDE, terrain->blocksX - 1);
+    const int lastZ = std::min(j / BLOCK_SIDE, terrain->blocksZ - 1);
+    for (int bx = std::max(i - BLOCK_SIDE - 1, 0) / BLOCK_SIDE; bx <= lastX; ++bx)
+        for (int bz = std::max(j - BLOCK_SIDE, 0) / BLOCK_SIDE; bz <= lastZ; ++bz)
+        {
+            HeightRange *range = &terrain->blockHeights[bx][bz];
+            range->lowest = std::min(range->lowest, height);
+            range->highest = std::max(range->highest, height);
+        }
+}
+
 static void markBlock(Terrain *terrain, int bx, int bz)
 {
     if (bx < 0 || bx >= terrain->blocksX || bz < 0 || bz >= terrain->blocksZ)
@@ -398,6 +456,7 @@ void terrainFlagDLDirty(Terrain *terrain, int i, int j)
     markBlock(terrain, bx, (j + DIRTY_REACH) / BLOCK_SIDE);
     markBlock(terrain, (i - DIRTY_REACH) / BLOCK_SIDE, bz);
     markBlock(terrain, bx, (j - DIRTY_REACH) / BLOCK_SIDE);
+    widenBlockHeights(terrain, i, j);
 }
 
 // ---- drawing ------------------------------------------------------------------------------------
@@ -409,8 +468,40 @@ static float blockCentre(int b, float scale, float extent)
                               static_cast<double>(scale) * BLOCK_SIDE * 0.5 - extent * 0.5);
 }
 
+namespace
+{
+struct BlockSamples // half open
+{
+    int firstX, endX;
+    int firstZ, endZ;
+};
+} // namespace
+
+// The samples that a block shows: its last strip is the first of the next block along x.
+static BlockSamples samplesOf(const Terrain *terrain, int bx, int bz)
+{
+    const int x = bx * BLOCK_SIDE, z = bz * BLOCK_SIDE;
+    return {x, std::min(x + BLOCK_SIDE + 2, terrain->width), z,
+            std::min(z + BLOCK_SIDE + 1, terrain->height)};
+}
+
+static void findBlockHeights(Terrain *terrain, int bx, int bz)
+{
+    const BlockSamples block = samplesOf(terrain, bx, bz);
+    HeightRange range = {INFINITY, -INFINITY};
+    for (int x = block.firstX; x < block.endX; ++x)
+    {
+        const float *column = terrain->map[x];
+        const auto [lowest, highest] =
+            std::minmax_element(column + block.firstZ, column + block.endZ);
+        range = {std::min(range.lowest, *lowest), std::max(range.highest, *highest)};
+    }
+    terrain->blockHeights[bx][bz] = range;
+}
+
 void generateTerrainDL(Terrain *terrain, int bx, int bz)
 {
+    findBlockHeights(terrain, bx, bz);
     glNewList(terrain->displayLists[bx][bz], GL_COMPILE);
     compileTerrain(terrain, blockCentre(bx, terrain->scale, terrain->worldWidth),
                    blockCentre(bz, terrain->scale, terrain->worldDepth),
@@ -470,6 +561,15 @@ void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
+static int blockInView(const Terrain *terrain, int bx, int bz)
+{
+    const BlockSamples block = samplesOf(terrain, bx, bz);
+    const HeightRange heights = terrain->blockHeights[bx][bz];
+    return boxInView(
+        {sampleX(terrain, block.firstX), heights.lowest, sampleZ(terrain, block.firstZ)},
+        {sampleX(terrain, block.endX - 1), heights.highest, sampleZ(terrain, block.endZ - 1)});
+}
+
 void drawTerrain(Terrain *terrain, float x, float z, float distance)
 {
     const float half = distance * 0.5f;
@@ -480,6 +580,8 @@ void drawTerrain(Terrain *terrain, float x, float z, float distance)
     for (int bx = bx0; bx < bx1; ++bx)
         for (int bz = bz0; bz < bz1; ++bz)
         {
+            if (!blockInView(terrain, bx, bz))
+                continue;
             uint32_t *list = &terrain->displayLists[bx][bz];
             if (*list == DIRTY_LIST)
             {

@@ -10,22 +10,28 @@
 
 typedef float Colour[3]; // red, green, blue, each 0 to 1
 
+struct HeightRange
+{
+    float lowest, highest;
+};
+
 struct Terrain
 {
-    float **map;             // [width][height] world y of each sample; owned, as all arrays here
-    Vector **normals;        // [width][height] unit normal of the surface at each sample
-    Colour **colours;        // [width][height] colour of each sample
-    float scale;             // world units between neighbouring samples
-    float inverseScale;      // 1 / scale
-    float worldWidth;        // width * scale, the extent along x
-    float worldDepth;        // height * scale, the extent along z
-    int32_t width;           // samples along x
-    int32_t height;          // samples along z
-    TgaImage *image;         // picture of the ground texture; owned
-    uint32_t texture;        // OpenGL name of the ground texture
-    uint32_t **displayLists; // [blocksX][blocksZ] OpenGL list of each block, or DIRTY_LIST
-    int32_t blocksX;         // blocks along x
-    int32_t blocksZ;         // blocks along z
+    float **map;                // [width][height] world y of each sample; owned, as all arrays here
+    Vector **normals;           // [width][height] unit normal of the surface at each sample
+    Colour **colours;           // [width][height] colour of each sample
+    float scale;                // world units between neighbouring samples
+    float inverseScale;         // 1 / scale
+    float worldWidth;           // width * scale, the extent along x
+    float worldDepth;           // height * scale, the extent along z
+    int32_t width;              // samples along x
+    int32_t height;             // samples along z
+    TgaImage *image;            // picture of the ground texture; owned
+    uint32_t texture;           // OpenGL name of the ground texture
+    uint32_t **displayLists;    // [blocksX][blocksZ] OpenGL list of each block, or DIRTY_LIST
+    int32_t blocksX;            // blocks along x
+    int32_t blocksZ;            // blocks along z
+    HeightRange **blockHeights; // [blocksX][blocksZ] heights of each block, drawn or to be drawn
 };
 
 constexpr int BLOCK_SIDE = 25;               // samples along the side of a display-list block
@@ -70,5 +76,6 @@ void terrainFlagDLDirty(Terrain *terrain, int i, int j);
 void generateTerrainDL(Terrain *terrain, int bx, int bz); // compiles into displayLists[bx][bz]
 // Emits the square of side size centred on (cx, cz); for use inside a list being compiled.
 void compileTerrain(const Terrain *terrain, float cx, float cz, float size);
-// Draws the blocks within distance / 2 of (x, z) along each axis, compiling the marked ones.
+// Draws the blocks within distance / 2 of (x, z) along each axis, less those out of view, compiling
+// the marked ones.
 void drawTerrain(Terrain *terrain, float x, float z, float distance);

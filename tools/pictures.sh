@@ -1,7 +1,6 @@
 #!/bin/bash
 # pictures.sh - takes the README's pictures from the real game: plays a few games on a virtual
 # display, takes many pictures and keeps the best landing, crowd and fight in docs/pictures/.
-# The game's clock is slowed, so that software rendering still gives it small steps.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/setup.sh
@@ -9,7 +8,6 @@ source tools/virtual.sh
 
 GAMES=2
 SHOTS=40
-SPEED=0.2 # game seconds to a second
 TAKEN=build/candidates
 KEPT=docs/pictures
 SHARE='%[fx:mean]' # of the pixels that a filter leaves white
@@ -17,7 +15,7 @@ SHARE='%[fx:mean]' # of the pixels that a filter leaves white
 begin()
 {
     openDisplay "$TAKEN"
-    startSlowGame "$PWD/build/release/tumbledown" data "$SPEED"
+    startGame "$PWD/build/release/tumbledown" data
     waitForPlay || fail "the game did not come to be played"
 }
 
@@ -42,7 +40,7 @@ takeGame() # NUMBER
     closeDisplay
 }
 
-people() # PICTURE: they are the black in it; black at the edges of the sky is no person
+people() # PICTURE: they are the black in its lower part
 {
     convert "$1" -gravity south -crop 100x55%+0+0 -threshold 6% -negate -colorspace gray \
         -format "$SHARE" info:

@@ -3,9 +3,12 @@
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libsdl1.2-dev libgl-dev libglu1-mesa-dev
     freeglut3-dev libgl1-mesa-dri)
-DISPLAY_PACKAGES=(xvfb xauth xdotool imagemagick faketime)
+DISPLAY_PACKAGES=(xvfb xauth xdotool imagemagick)
+PACKAGE_PACKAGES=(dpkg-dev file git)
+ROOT_PACKAGES=(mmdebstrap) # for the longer check of the package
 CHECK_PACKAGES=(libgtest-dev libbenchmark-dev libnoise-dev libpng-dev libx11-dev netpbm clang
-    clang-format clang-tidy libclang-rt-dev libsdl1.2-compat shellcheck)
+    clang-format clang-tidy libclang-rt-dev libsdl1.2-compat shellcheck
+    lintian desktop-file-utils appstream man-db mandoc optipng)
 
 fail()
 {

@@ -60,13 +60,6 @@ startGame() # PROGRAM FOLDER [VARIABLE=VALUE...]
     gamePid=$!
 }
 
-# With a slowed clock software rendering, too, gives the world the small steps that it is made for.
-startSlowGame() # PROGRAM FOLDER SPEED, in game seconds to a second
-{
-    startGame "$1" "$2" FAKETIME="+0 x$3" \
-        LD_PRELOAD="/usr/lib/$(gcc -print-multiarch)/faketime/libfaketime.so.1"
-}
-
 hasEnded()
 {
     ! kill -0 "$gamePid"

@@ -54,6 +54,39 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
     EXPECT_EQ(look(), Picture(WIDTH * HEIGHT, WHITE));
 }
 
+// Dots of another colour along an edge of the box would be a line to the player.
+TEST_F(Scene, NoLineShowsWhereFacesOfTheSkyMeet)
+{
+    std::filesystem::copy_file(DATA "/TexSkyBox.tga", "TexSkyBox.tga",
+                               std::filesystem::copy_options::overwrite_existing);
+    tgaDestroy(skyBoxImage);
+    initSkyBoxTexture();
+    cam.position = {0, -15, 0}; // the middle of the box is the origin
+    for (const auto &[x, z] : {std::pair{1, 1}, {1, -1}, {-1, -1}, {-1, 1}})
+    {
+        const Vector top = {100.0f * x, 100, 100.0f * z};
+        lookFrom(cam.position, off(top, {0, 1, 0}, -20), {0.1f, 1, 0.05f}); // at a slant
+        drawSkyBox();
+        const Picture picture = look();
+        const struct
+        {
+            const char *edge;
+            Vector along, across;
+        } edges[] = {{"corner", {0, -1, 0}, {0.7f * z, 0, -0.7f * x}},
+                     {"top along x", {-1.0f * x, 0, 0}, {0, 1, 0}},
+                     {"top along z", {0, 0, -1.0f * z}, {0, 1, 0}}};
+        for (const auto &[edge, along, across] : edges)
+            for (int i = 0; i < 600; ++i)
+            {
+                const Vector at = off(top, along, 5 + 0.1f * i);
+                const Rgb pixel = seen(picture, at);
+                for (float side : {-1.5f, 1.5f})
+                    ASSERT_PRED2(isAlike, pixel, seen(picture, off(at, across, side)))
+                        << edge << ", " << i;
+            }
+    }
+}
+
 TEST_F(Scene, WireFrameDrawsEveryPolygonAsLines)
 {
     WIRE_FRAME = 1;

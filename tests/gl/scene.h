@@ -28,6 +28,12 @@ inline void writeImage(const char *name, int16_t width, int16_t height, int byte
     ASSERT_EQ(tgaSave(name, width, height, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
 }
 
+inline void writeImage(const char *name, int16_t side, int bytes,
+                       std::function<Rgb(int, int)> colour)
+{
+    writeImage(name, side, side, bytes, colour);
+}
+
 // One video mode for all tests; each starts as start-up does, on a black screen.
 struct Scene : EmptyWorld
 {

@@ -1,5 +1,6 @@
 // Plays the real game, from SDL_main to quit, in the child processes of death tests: on hostile
 // folders, without memory, under an odd clock, twice, and for long. Ticks and keys are scripted.
+#include "driver.h"
 #include "fixtures.h"
 
 #include <GL/gl.h>
@@ -182,11 +183,7 @@ static void expectGame(const Play &script, const std::string &log)
 // Holds the keys that roll the cube to a place.
 static void rollTo(Vector goal)
 {
-    const double off = std::remainder(findDirection(cb.position, goal) - cb.heading, 360.0);
-    keysHeld[SDLK_UP] = std::fabs(off) < 60;
-    keysHeld[SDLK_DOWN] = std::fabs(off) > 120;
-    keysHeld[SDLK_LEFT] = off < -20;
-    keysHeld[SDLK_RIGHT] = off > 20;
+    holdKeysToward(goal, keysHeld);
     keysHeld[SDLK_i] = frame % 1000 == 999;
 }
 

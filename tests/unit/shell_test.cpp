@@ -136,10 +136,9 @@ TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)
     frames(1, 125);
     EXPECT_EQ(shadowSwitchTime, 2);
     EXPECT_EQ(SHADOW, 0);
-    const int floor = frames(500, 125);
-    EXPECT_EQ(frames(5, 125), floor);
-    EXPECT_GE(floor, 2500) << "half of it reaches past what circles the cube";
-    VIEW_DISTANCE = 5100;
-    frames(1, 10);
+    EXPECT_EQ(frames(450, 125), 3000) << "the floor in play";
+    gameOver = 1;
+    EXPECT_EQ(frames(5, 125), 4500) << "the floor after game over";
+    EXPECT_EQ(frames(102, 10), 5010);
     EXPECT_EQ(SHADOW, 0) << "for good";
 }

@@ -61,6 +61,22 @@ TEST_F(World, SmoothingSpreadsASpikeByHalvesMostFromTheFirstEdges)
     }
 }
 
+TEST_F(World, BlockHeightsHoldEverySampleThatABlockShowsAlsoAfterCraters)
+{
+    for (int i = 0; i < 210; i += 3)
+        deformTerrain(&ter, {i * 25 - 2625.0f, 0, i * 71 % 210 * 25 - 2625.0f}, 10, DEFORM_CRATER);
+    for (const auto &[i, j] : {std::pair{-30, 5}, {5, -30}, {210, 5}, {5, 210}})
+        terrainFlagDLDirty(&ter, i, j); // off the grid, where there is nothing to hold
+    for (int bx = 0; bx < ter.blocksX; ++bx)
+        for (int bz = 0; bz < ter.blocksZ; ++bz)
+            for (int x = bx * 25; x < std::min(bx * 25 + 27, 210); ++x)
+                for (int z = bz * 25; z < std::min(bz * 25 + 26, 210); ++z)
+                {
+                    const HeightRange range = ter.blockHeights[bx][bz];
+                    ASSERT_TRUE(range.lowest <= ter.map[x][z] && ter.map[x][z] <= range.highest);
+                }
+}
+
 TEST_F(World, PointsOfTheWorldMapToSamplesAndHeights)
 {
     ter.map[106][95] = 10;

@@ -159,8 +159,8 @@ void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float st
               [=](float x, float y) { return segmentDistance(x, y, ends) - halfWidth; });
 }
 
-static int savePng(const std::string &path, const std::vector<unsigned char> &bytes, int width,
-                   int height, int bytesPerPixel)
+static int writePng(const std::string &path, const std::vector<unsigned char> &bytes, int width,
+                    int height, int bytesPerPixel)
 {
     png_image picture = {};
     picture.version = PNG_IMAGE_VERSION;
@@ -184,7 +184,7 @@ static int saveBytes(const Output &output, const char *name,
                                         static_cast<unsigned char>(depth), pixels) == 1;
     if (!saved)
         free(pixels);
-    if (saved && (!output.png || savePng(stem + ".png", bytes, width, height, depth / 8)))
+    if (saved && (!output.png || writePng(stem + ".png", bytes, width, height, depth / 8)))
         return 1;
     fprintf(stderr, "cannot write %s\n", stem.c_str());
     return 0;
@@ -211,4 +211,18 @@ int saveColours(const Output &output, const char *name, const Grid<Colour> &canv
 int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys)
 {
     return saveBytes(output, name, greys.cells, greys.width, greys.height, 8);
+}
+
+int saveIcon(const char *folder, const Grid<Paint> &icon)
+{
+    std::vector<unsigned char> bytes;
+    bytes.reserve(icon.cells.size() * 4);
+    for (const Paint &p : icon.cells)
+        bytes.insert(bytes.end(), {toByte(p.colour.r), toByte(p.colour.g), toByte(p.colour.b),
+                                   toByte(p.opacity)});
+    const std::string path = std::string(folder) + "/" + std::to_string(icon.width) + ".png";
+    if (writePng(path, bytes, icon.width, icon.height, 4))
+        return 1;
+    fprintf(stderr, "cannot write %s\n", path.c_str());
+    return 0;
 }

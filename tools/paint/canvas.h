@@ -13,6 +13,12 @@ struct Colour
     float r, g, b;
 };
 
+struct Paint
+{
+    Colour colour;
+    float opacity; // 0 clear .. 1 opaque
+};
+
 template <typename T> struct Grid
 {
     int width, height;
@@ -127,3 +133,5 @@ struct Output
 // Return 1, or 0 after a line on standard error.
 int saveColours(const Output &output, const char *name, const Grid<Colour> &canvas, int depth = 24);
 int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys);
+// Writes <folder>/<width>.png with an alpha channel; returns the same.
+int saveIcon(const char *folder, const Grid<Paint> &icon);

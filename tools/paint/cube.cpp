@@ -87,7 +87,7 @@ static void paintEmblem(Canvas &face)
     paintArrow(face, -3, 6, mix(ENAMEL, STONE, 0.35f));
 }
 
-int paintCube(const Output &output)
+Canvas makeCubeFace()
 {
     Canvas face(FACE, FACE);
     face.paint(
@@ -102,5 +102,25 @@ int paintCube(const Output &output)
         });
     paintEmblem(face);
     paintRivets(face);
-    return saveColours(output, "TexCube", face);
+    return face;
+}
+
+Canvas makePlainCubeFace()
+{
+    Canvas face(FACE, FACE, 1, STONE);
+    constexpr float MIDDLE = FACE / 2.0f;
+    for (const float wing : {-1.0f, 1.0f})
+        drawLine(face, {MIDDLE + wing * 125, 270, MIDDLE, 395}, 40, ENAMEL);
+    drawLine(face, {MIDDLE, 110, MIDDLE, 380}, 40, ENAMEL);
+    constexpr float WIDE = FRAME * 1.3f;
+    fillBox(face, {0, 0, WIDE, FACE}, BRONZE);
+    fillBox(face, {FACE - WIDE, 0, FACE, FACE}, BRONZE);
+    fillBox(face, {0, 0, FACE, WIDE}, BRONZE);
+    fillBox(face, {0, FACE - WIDE, FACE, FACE}, BRONZE);
+    return face;
+}
+
+int paintCube(const Output &output)
+{
+    return saveColours(output, "TexCube", makeCubeFace());
 }

@@ -39,6 +39,17 @@ constexpr float FIELD_LENGTH = 150;            // units
 constexpr float FIELD_WIDTH = 100;
 constexpr int HOUSE_SPACING = 4; // samples from house to house
 
+constexpr Colour CLIFF = hex(0xD0A27A);
+constexpr Colour CLIFF_DARK = hex(0x4E3A38);
+constexpr Colour LEDGE = hex(0x5E9A26);
+constexpr float CLIFF_LIGHT = 0.9f; // share of the sky that its foot sees: the fjord shines back
+constexpr float CLIFF_SHADE = 0.7f; // its foot is less steep, and the game's sheen pales it
+constexpr Box WATERFALLS[] = {
+    {-6200, 1500, -5300, 1500}, {-6200, -2900, -5300, -2900}, {6200, -1700, 5300, -1700},
+    {6200, 900, 5300, 900},     {6200, 3900, 5300, 3900},     {-2600, 6200, -2600, 5300},
+    {900, 6200, 900, 5300},     {3500, 6200, 3500, 5300},     {-3800, -6200, -3800, -5300},
+    {-350, -6200, -350, -5300}, {2700, -6200, 2700, -5300}};
+
 constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
 constexpr float NOISE_MEAN = 0.945f;
 constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 30 to 60 units
@@ -72,11 +83,12 @@ static Colour normalOf(const Field &height, int x, int z, float relief)
 }
 
 // Open sky lights the tops fully; what lies below its surroundings sees less of it.
-static Colour lightAt(const Field &height, const Field &surroundings, int x, int z)
+static Colour lightAt(const Land &land, const Field &surroundings, int x, int z)
 {
-    const float below = surroundings.at(x, z) - height.at(x, z);
-    const float sky = std::clamp(0.92f - below / OCCLUSION_DEPTH, 0.5f, 1.0f);
-    const Colour n = normalOf(height, x, z, SUN_RELIEF);
+    const float below = surroundings.at(x, z) - land.height.at(x, z);
+    const float least = mix(0.5f, CLIFF_LIGHT, land.cliff.at(x, z));
+    const float sky = std::clamp(0.92f - below / OCCLUSION_DEPTH, least, 1.0f);
+    const Colour n = normalOf(land.height, x, z, SUN_RELIEF);
     const float facing = std::max(n.r * SUN[0] + n.g * SUN[1] + n.b * SUN[2], 0.0f) / SUN[1];
     return SUNLIGHT * (0.62f * std::min(facing, 1.5f)) + SKYLIGHT * sky;
 }
@@ -121,6 +133,40 @@ static Colour wildColour(const Spot &spot)
     return mix(colour, SNOW, soft(SNOW_LINE - 14, SNOW_LINE + 14, snow));
 }
 
+// From the scree at the foot over woods and ledges to bare rock and snow; what runs up and down the
+// cliff depends on the place along the coast alone.
+static Colour cliffColour(const Spot &spot)
+{
+    const float along = std::min(std::fabs(spot.x), std::fabs(spot.z));
+    const float drift = (spot.x + 2 * spot.z) / 2500;
+    const float rib =
+        noiseAt(along / 90, drift, 0, 271) + 0.6f * noiseAt(along / 48, drift, 0, 272);
+    const float broad = fractal(along / 700, drift, 0, 3, 0.7f, 273);
+    const float grain = scatter(int(spot.x), int(spot.z), 5) - 0.5f;
+    const float up = (spot.height - WATER_LEVEL) / (HEIGHT_RANGE - WATER_LEVEL);
+    const float strata = noiseAt(spot.height / 75 + 3 * broad, drift * 3, 0, 274);
+    const float bright = std::clamp(0.5f + 0.6f * strata + 0.7f * rib + 0.3f * grain, 0.0f, 1.0f);
+    Colour colour = mix(CLIFF_DARK, CLIFF, bright);
+    const float ledge = soft(0.1f, 0.4f, strata - 0.5f * rib) * soft(0.85f, 0.6f, up);
+    colour = mix(colour, LEDGE * (1 + 0.3f * grain), 0.8f * ledge);
+    const float woods = 0.34f + 0.8f * broad + 0.25f * rib;
+    const Colour trees = mix(FOREST, FOREST_LIGHT, std::clamp(0.4f + 1.2f * grain, 0.0f, 1.0f));
+    colour = mix(colour, trees, soft(woods + 0.1f, woods - 0.1f, up));
+    const float scree = up + 0.06f * rib - 0.12f * broad;
+    colour = mix(colour, SCREE * (1 + 0.2f * grain), 0.8f * soft(0.07f, 0.02f, scree));
+    const float snow = up - 0.2f * rib - 0.5f * broad;
+    colour = mix(colour, SNOW, soft(0.68f, 0.76f, snow));
+    return colour * mix(CLIFF_SHADE, 1, soft(0, 0.5f, up)) * (1 + 0.16f * rib);
+}
+
+static float waterfallAt(const Spot &spot)
+{
+    float nearest = HALF_LAND;
+    for (const Box &fall : WATERFALLS)
+        nearest = std::min(nearest, segmentDistance(spot.x, spot.z, fall));
+    return soft(34, 12, nearest + 8 * spot.rough);
+}
+
 static Colour waterColour(const Field &water, int x, int z)
 {
     float inside = 0; // how far the surroundings are water too
@@ -157,14 +203,17 @@ static void farm(Colour &colour, const Place &place, const Spot &spot)
 
 static Colour bareGround(const Land &land, const Spot &spot, int x, int z)
 {
-    Colour colour = wildColour(spot);
+    const float cliff = land.cliff.at(x, z);
+    Colour colour = mix(wildColour(spot), cliffColour(spot), cliff);
+    colour = mix(colour, SNOW, 0.9f * cliff * waterfallAt(spot));
     for (const Place &place : PLACES)
     {
         farm(colour, place, spot);
         const float d = length(spot.x - place.x, spot.z - place.z) + 40 * spot.rough;
         colour = mix(colour, YARD, 0.75f * soft(place.radius * 0.9f, place.radius * 0.5f, d));
     }
-    const float beach = soft(WATER_LEVEL + 20, WATER_LEVEL + 7, spot.height + 6 * spot.rough);
+    const float beach =
+        soft(WATER_LEVEL + 20, WATER_LEVEL + 7, spot.height + 6 * spot.rough) * (1 - cliff);
     colour = mix(colour, SAND, beach);
     colour = mix(colour, TRACK * (1 + 0.06f * spot.rough), 0.9f * land.track.at(x, z));
     const float water = land.water.at(x, z);
@@ -243,8 +292,7 @@ static Canvas landColours(const Land &land)
         [&](int x, int z)
         {
             const Spot spot = spotAt(land, level, moisture, x, z);
-            const Colour lit =
-                bareGround(land, spot, x, z) * lightAt(land.height, surroundings, x, z);
+            const Colour lit = bareGround(land, spot, x, z) * lightAt(land, surroundings, x, z);
             return Colour{pressed(lit.r, SHOULDER, 1), pressed(lit.g, SHOULDER, 1),
                           pressed(lit.b, SHOULDER, 1)};
         });

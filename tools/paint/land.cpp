@@ -38,6 +38,7 @@ constexpr Range RANGES[] = {
     {{3700, -2300, 3150, 300}, 1250, 520},    {{3150, 300, 4500, 1500}, 1150, 440},
     {{-700, 4750, 1500, 4450}, 1150, 540},    {{1500, 4450, 4600, 4300}, 1200, 450},
     {{-4300, 4400, -3600, 1700}, 1150, 500},  {{-3300, -2300, -4500, -400}, 1100, 400},
+    {{4700, 2200, 4450, 3700}, 900, 420},     {{-4750, 500, -4500, 1700}, 800, 380},
     {{-700, 2250, -250, 2480}, 560, 250},     {{1500, 150, 1850, 350}, 560, 230},
     {{-1150, -750, -1500, -950}, 520, 190},   {{900, 3350, 1350, 3150}, 520, 200}};
 constexpr Lake LAKES[] = {{-1500, 1000, 760, 520},
@@ -48,7 +49,7 @@ constexpr Lake LAKES[] = {{-1500, 1000, 760, 520},
 // Each river and track runs through these points, x and z in turn; rivers run downstream.
 constexpr int POINTS = 6;
 constexpr float RIVERS[][2 * POINTS] = {
-    {330, -5300, -60, -4200, 200, -3100, -120, -1950, -350, -700, -1050, 800},
+    {-1050, 800, -350, -700, -120, -1950, 200, -3100, -60, -4200, 330, -5300},
     {2350, 3150, 1900, 2250, 1050, 1850, 250, 1750, -500, 1450, -1200, 1150},
     {-1900, 1250, -2350, 2000, -2250, 2700, -2500, 3300, -2400, 3800, -2350, 4250}};
 constexpr float TRACKS[][2 * POINTS] = {
@@ -64,14 +65,30 @@ constexpr float PLAIN_LEVEL = 112;
 constexpr float SWELL = 62;         // height of the broad waves of the open land
 constexpr float HUMMOCK = 25;       // height of the waves a few cubes long, felt when rolling
 constexpr float PLAIN_CALM = 0.65f; // what remains of the waves in the middle of the plain
-constexpr float RIM_WIDTH = 1600;   // of the mountains that close the land off
-constexpr float RIM_HEIGHT = 385;
 constexpr float SOFT_CEILING = 470; // peaks above are pressed below HIGHEST
 constexpr float HIGHEST = 585;
 constexpr float RIVER_BED = 16; // depth below the banks
 constexpr float RIVER_HALF_WIDTH = 26;
 constexpr float RIVER_BANK = 190;   // from the water to where the valley floor is level again
 constexpr float SHORE_RISE = 0.16f; // slope of the ground about a lake
+constexpr float STEEP_RISE = 0.66f; // and where mountains stand by the fjord
+
+// Beyond a fjord the land ends in a cliff that holds the cube: it is as steep as the game's
+// smoothing leaves anything, and no bend and no corner of it is narrow enough to be a ramp. The
+// test robust.rim tells what a change of these numbers does.
+constexpr float CLIFF_BRINK = 620;   // units from the end of the land, on average
+constexpr float CLIFF_WIDTH = 25;    // from the brink to the foot
+constexpr float CLIFF_CORNER = 1000; // radius; wider and narrower ones let more cubes climb
+constexpr float CLIFF_BEND = 350;    // how far the cliff strays, in bends of BEND_LENGTH
+constexpr float BEND_LENGTH = 4500;
+constexpr float CLIFF_HEADLAND = 180; // and in headlands of HEADLAND_LENGTH
+constexpr float HEADLAND_LENGTH = 1000;
+constexpr float CLIFF_DIP = 160;    // how far the brink sinks below HEIGHT_RANGE
+constexpr float CLIFF_CREST = 300;  // from the brink to where the land falls again, out of sight
+constexpr float CLIFF_BACK = 0.6f;  // slope behind
+constexpr float CLIFF_SPREAD = 270; // from the brink to the foot once the game has smoothed it
+constexpr float FJORD_WIDTH = 320;  // where it is narrowest
+constexpr float FJORD_BAYS = 700;   // how much wider it is in bays
 
 constexpr int DROPLETS = 320000; // rain; more cut deeper gullies
 constexpr int DROPLET_STEPS = 40;
@@ -97,12 +114,6 @@ static float rangeHeight(float x, float z)
     return height;
 }
 
-static float rimHeight(float x, float z, float waver)
-{
-    const float inward = LAND_END - std::max(std::fabs(x), std::fabs(z));
-    return RIM_HEIGHT * soft(RIM_WIDTH, 420, inward + waver);
-}
-
 static Field rawLand()
 {
     noise::module::RidgedMulti ridges;
@@ -117,8 +128,7 @@ static Field rawLand()
             const float z = toWorld(sampleZ);
             const float warpX = x + 420 * fractal(x / 1500, z / 1500, 0, 3, 0.5f, 11);
             const float warpZ = z + 420 * fractal(x / 1500, z / 1500, 0, 3, 0.5f, 21);
-            const float waver = 500 * fractal(x / 900, z / 900, 0, 2, 0.5f, 31);
-            const float mass = std::max(rangeHeight(warpX, warpZ), rimHeight(x, z, waver));
+            const float mass = rangeHeight(warpX, warpZ);
             const float ridge =
                 std::clamp(float(ridges.GetValue(x, 0, z)) * 0.5f + 0.5f, 0.0f, 1.1f);
             const float calm = mix(PLAIN_CALM, 1, soft(1200, 3200, length(x, (z - 900) * 0.6f)));
@@ -194,6 +204,25 @@ static void erode(Field &height)
         h *= HEIGHT_RANGE;
 }
 
+// Units from the end of the land as the cliff follows it.
+static float inwardAt(float x, float z)
+{
+    const float dx = std::fabs(x) - (HALF_LAND - CLIFF_CORNER);
+    const float dz = std::fabs(z) - (HALF_LAND - CLIFF_CORNER);
+    const float inward = CLIFF_CORNER - length(std::max(dx, 0.0f), std::max(dz, 0.0f)) -
+                         std::min(std::max(dx, dz), 0.0f);
+    return inward + CLIFF_BEND * fractal(x / BEND_LENGTH, z / BEND_LENGTH, 0, 1, 0.5f, 31) +
+           CLIFF_HEADLAND * fractal(x / HEADLAND_LENGTH, z / HEADLAND_LENGTH, 0, 1, 0.5f, 32);
+}
+
+// Units inland from the fjord's shore, negative beyond it.
+static float shoreDistance(float x, float z)
+{
+    const float bay = fractal(x / 1100, z / 1100, 0, 4, 0.5f, 33);
+    return inwardAt(x, z) - CLIFF_BRINK - CLIFF_WIDTH - FJORD_WIDTH -
+           FJORD_BAYS * std::clamp(0.4f + 1.4f * bay, 0.0f, 1.0f);
+}
+
 static float lakeDistance(float x, float z) // 0 in the water, else units from the shore
 {
     const float waver = 0.5f * fractal(x / 640, z / 640, 0, 4, 0.5f, 61);
@@ -203,7 +232,7 @@ static float lakeDistance(float x, float z) // 0 in the water, else units from t
         const float q = length((x - lake.x) / lake.reachX, (z - lake.z) / lake.reachZ) + waver;
         nearest = std::min(nearest, (q - 1) * std::min(lake.reachX, lake.reachZ));
     }
-    return std::max(nearest, 0.0f);
+    return std::max(std::min(nearest, shoreDistance(x, z)), 0.0f);
 }
 
 // Distance in units from the nearest of the courses, which noise makes wind.
@@ -220,6 +249,15 @@ static float courseDistance(const float (&courses)[COUNT][2 * POINTS], float x, 
     return nearest;
 }
 
+// How high the ground may stand at a distance from the water: mountains by the fjord fall to it
+// steeply in places.
+static float shoreRise(float x, float z, float shore)
+{
+    const float coast = soft(3500, 4200, std::max(std::fabs(x), std::fabs(z)));
+    const float steep = coast * soft(0, 0.25f, fractal(x / 1700, z / 1700, 0, 2, 0.5f, 35));
+    return shore * mix(SHORE_RISE, STEEP_RISE, steep) + square(shore / mix(55, 35, steep));
+}
+
 static void layWater(Field &height, Field &water)
 {
     const Field level = blurred(blurred(height, 5), 5); // river valleys have even floors
@@ -232,10 +270,28 @@ static void layWater(Field &height, Field &water)
             const float bank = soft(RIVER_BANK, RIVER_HALF_WIDTH, river);
             h = mix(h, std::min(h, level.at(x, z)) - RIVER_BED, bank);
             h = std::max(h, WATER_LEVEL + 6);
-            const float ceiling = WATER_LEVEL + shore * SHORE_RISE + square(shore / 55);
+            const float ceiling = WATER_LEVEL + shoreRise(toWorld(x), toWorld(z), shore);
             h = shore > 0 ? std::min(h, ceiling) : WATER_LEVEL;
-            water.at(x, z) = std::max(soft(14, 0, shore),
-                                      soft(RIVER_HALF_WIDTH + 14, RIVER_HALF_WIDTH - 14, river));
+            water.at(x, z) = soft(RIVER_HALF_WIDTH + 14, RIVER_HALF_WIDTH - 14, river);
+        }
+}
+
+// After the rain, which would wash gullies into it that the cube can climb.
+static void raiseCliff(Field &height)
+{
+    for (int z = 0; z < LAND_SIDE; ++z)
+        for (int x = 0; x < LAND_SIDE; ++x)
+        {
+            const float wx = toWorld(x);
+            const float wz = toWorld(z);
+            const float behind = CLIFF_BRINK - inwardAt(wx, wz);
+            if (behind <= -CLIFF_WIDTH)
+                continue;
+            const float dip = std::fabs(fractal(wx / 900, wz / 900, 0, 3, 0.5f, 34)) * 2;
+            const float top = HEIGHT_RANGE - CLIFF_DIP * std::min(dip, 1.0f) -
+                              CLIFF_BACK * std::max(behind - CLIFF_CREST, 0.0f);
+            height.at(x, z) = mix(WATER_LEVEL, std::max(top, WATER_LEVEL),
+                                  std::min(behind / CLIFF_WIDTH + 1, 1.0f));
         }
 }
 
@@ -273,13 +329,30 @@ static Field sharpened(const Field &wanted)
     return map;
 }
 
+// Lakes and the fjord end where the smoothing has spread the foot of a slope into them.
+static void fillWater(Land &land)
+{
+    for (int z = 0; z < LAND_SIDE; ++z)
+        for (int x = 0; x < LAND_SIDE; ++x)
+        {
+            const float wx = toWorld(x);
+            const float wz = toWorld(z);
+            const float dry = soft(WATER_LEVEL + 4, WATER_LEVEL + 12, land.height.at(x, z));
+            const int isCliff = inwardAt(wx, wz) < CLIFF_BRINK + CLIFF_SPREAD;
+            const float lake = soft(14, 0, lakeDistance(wx, wz)) * (1 - dry);
+            land.water.at(x, z) = isCliff ? lake : std::max(land.water.at(x, z), lake);
+            land.cliff.at(x, z) = isCliff ? dry : 0;
+        }
+}
+
 Land makeLand()
 {
     Field wanted = rawLand();
     Land land = {Grid<unsigned char>(LAND_SIDE, LAND_SIDE), wanted, Field(LAND_SIDE, LAND_SIDE),
-                 Field(LAND_SIDE, LAND_SIDE)};
+                 Field(LAND_SIDE, LAND_SIDE), Field(LAND_SIDE, LAND_SIDE)};
     erode(wanted);
     layWater(wanted, land.water);
+    raiseCliff(wanted);
     const Field map = sharpened(wanted);
     for (size_t i = 0; i < map.cells.size(); ++i)
     {
@@ -288,6 +361,7 @@ Land makeLand()
         land.height.cells[i] = float(land.map.cells[i]) / 256 * HEIGHT_RANGE;
     }
     smoothAsTheGame(land.height);
+    fillWater(land);
     land.track.paint(
         [](int x, int z)
         {

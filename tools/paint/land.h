@@ -5,12 +5,11 @@
 
 #include "canvas.h"
 
-constexpr int LAND_SIDE = 512;      // samples along x and along z
+constexpr int LAND_SIDE = 501;      // samples along x and along z: blocks of 25 and their last row
 constexpr float SPACING = 25;       // units between samples, fixed by the game
 constexpr float HEIGHT_RANGE = 600; // height of a grey of 256, fixed by the game
 constexpr float HALF_LAND = LAND_SIDE * SPACING / 2;
-constexpr float LAND_END = 6100;  // the last blocks drawn end about here along x and z
-constexpr float WATER_LEVEL = 36; // of every lake; nothing else lies as low
+constexpr float WATER_LEVEL = 36; // of every lake and the fjord; nothing else lies as low
 
 struct Place
 {
@@ -29,6 +28,7 @@ struct Land
     Field height;            // as the game will smooth the map
     Field water;             // 0 dry .. 1 lake or river
     Field track;             // 0 none .. 1 worn bare
+    Field cliff;             // 1 on the cliff that ends the land and behind it, 0 elsewhere
 };
 
 Land makeLand();

@@ -11,3 +11,11 @@ int paintCube(const Output &output);                     // TexCube
 int paintSky(const Output &output);                      // TexSkyBox
 int paintTank(const Output &output);                     // TexTank
 int paintPeople(const Output &output);                   // TexPerson, TexPersonBack
+
+// The icons, into <folder>/<size>.png.
+int paintIcons(const char *folder);
+
+// What the icons show of the game's things.
+Canvas makeCubeFace();
+Canvas makePlainCubeFace(); // what is left of it to see when it is a few pixels wide
+Canvas makeWalker();        // black where there is nothing of him

@@ -67,11 +67,17 @@ static int saveBoard(const Output &output, const char *name, Canvas &board)
     return saveColours(output, name, board);
 }
 
-int paintPeople(const Output &output)
+Canvas makeWalker()
 {
     Canvas front(BOARD, BOARD, UNIT, CLEAR);
-    Canvas back = front;
     paintFront(front);
+    return front;
+}
+
+int paintPeople(const Output &output)
+{
+    Canvas front = makeWalker();
+    Canvas back(BOARD, BOARD, UNIT, CLEAR);
     paintBack(back);
     return saveBoard(output, "TexPerson", front) && saveBoard(output, "TexPersonBack", back);
 }

@@ -3,9 +3,7 @@
 
 // Units of the box, seen from the eye: each wall is 100 away, 200 wide and reaches from 85 below
 // the eye to 115 above it.
-// Finer than the display: the dark edges of the walls fall between its pixels.
-constexpr int SKY_WIDTH = 4096;
-constexpr int SKY_HEIGHT = 2048;
+constexpr int SKY_SIZE = 1024; // texels: about as fine as the display, where a wall spans 1,330
 constexpr float WALL = 200;
 constexpr float BELOW_EYE = 85;
 constexpr float TOP = WALL - BELOW_EYE;
@@ -14,20 +12,29 @@ constexpr float CEILING_TO = 0.1f;
 constexpr float CEILING_MARGIN = 0.006f; // painted beyond it, since the filter looks past the edge
 
 constexpr Colour FOG = {39.0f / 255, 168.0f / 255, 221.0f / 255}; // the game's own
-constexpr Colour ZENITH = hex(0x1C6CC4);
-constexpr Colour HAZE_LIGHT = hex(0x6CC8EC);         // a paler band, into which far hills rise
-constexpr float HAZE_BAND[] = {0.01f, 0.10f, 0.36f}; // rise per run: from, strongest, to
-constexpr float GRADIENT[] = {0.08f, 0.80f}; // rise per run where it starts and where it has ended
+// The floor, and what OpenGL's old clamping mixes in at the edges of the walls. A line shows there
+// unless it lies amid the colours of the clear sky, and unless those are about equally light.
+constexpr Colour EDGE = hex(0x2BA3E4);
+constexpr Colour AZURE = hex(0x289DEC);
+constexpr Colour ZENITH = hex(0x1E74CC);     // nearly all of it on the ceiling
+constexpr Colour HAZE_LIGHT = hex(0x54BCEC); // a paler band, into which far hills rise
+constexpr float HAZE_STRENGTH = 0.5f;
+// Sines of the elevation between which one colour becomes the next, or the band comes and goes.
+constexpr float FOG_TO_EDGE[] = {-0.20f, -0.45f};
+constexpr float FOG_TO_AZURE[] = {0.06f, 0.50f};
+constexpr float AZURE_TO_ZENITH[] = {0.68f, 1.02f};
+constexpr float HAZE_BAND[] = {0, 0.12f, 0.40f};
 constexpr Colour CLOUD_LIT = hex(0xFFFDF6);
 constexpr Colour CLOUD_SHADE = hex(0x8FB9DC);
 constexpr float CLOUD_SUN[] = {-0.45f, 0.75f, 0.48f}; // toward the sun: left, up, to the viewer
 constexpr float FLUFF = 0.30f;     // how far noise frays a cloud, in parts of a puff's radius
-constexpr float HAZE[] = {-4, 28}; // units above the horizon between which clouds come out of haze
-constexpr float VEIL = 0.20f;      // strength of the thin high cloud
+constexpr float HAZE[] = {-6, 26}; // units above the horizon between which clouds come out of haze
+constexpr float VEIL = 0.24f;      // strength of the thin high cloud
 
-// At the outer half of an outermost texel OpenGL's old clamping mixes in the black border colour: a
-// brighter texel makes up for what is lost there, so that no line shows where walls meet.
-constexpr float EDGE_LIGHT = 1.2f;
+// Units from the corners of the box, where the sky must be clear.
+constexpr float CLOUDLESS = 1.5f;
+constexpr float THINNING = 60;     // within which haze and thin cloud fade
+constexpr float HAZE_LEFT = 0.25f; // at the very corner, of the haze
 
 constexpr int PUFFS = 30; // of each cloud
 
@@ -53,14 +60,17 @@ struct Bank // clouds of one distance
 };
 } // namespace
 
-constexpr Bank BANKS[] = {{11, 1.5f, 4, 6, 16}, {6, 18, 9, 10, 21}, {3, 44, 10, 17, 26}};
+constexpr Bank BANKS[] = {{11, -3, 5, 6, 16}, {6, 18, 9, 10, 21}, {3, 44, 10, 17, 26}};
 
 static Cloud makeCloud(const Bank &bank, int number, int seed)
 {
-    const float place = (float(number) + 0.8f * scatter(number, 0, seed)) / float(bank.count);
-    Cloud cloud = {place * WALL,
+    const float place =
+        (float(number) + 0.8f * scatter(number, 0, seed)) / (float(bank.count) - 0.2f);
+    const float halfWidth = mix(bank.narrowest, bank.widest, scatter(number, 2, seed));
+    const float room = 1.1f * halfWidth + CLOUDLESS;
+    Cloud cloud = {mix(room, WALL - room, place),
                    bank.base + bank.spread * scatter(number, 1, seed),
-                   mix(bank.narrowest, bank.widest, scatter(number, 2, seed)),
+                   halfWidth,
                    seed + number,
                    {}};
     const float lean = 0.5f * (scatter(number, 3, seed) - 0.5f);
@@ -120,19 +130,29 @@ static float cloudLight(const Cloud &cloud, float x, float y, float fray, float 
     return soft(-0.35f, 0.95f, facing * 0.75f + lift * 0.75f - 0.28f + 0.35f * fray);
 }
 
-static Colour clearSky(float x, float y) // x from the middle of the wall, y above the eye
+static float elevation(float x, float y, float z) // its sine, in that direction from the eye
 {
-    const float rise = y / length(100, x);
-    const float band =
-        soft(HAZE_BAND[0], HAZE_BAND[1], rise) * soft(HAZE_BAND[2], HAZE_BAND[1], rise);
-    return mix(mix(FOG, HAZE_LIGHT, 0.5f * band), ZENITH, soft(GRADIENT[0], GRADIENT[1], rise));
+    return y / length(y, length(x, z));
+}
+
+static Colour clearSky(float rise)
+{
+    if (rise < 0)
+        return mix(FOG, EDGE, soft(FOG_TO_EDGE[0], FOG_TO_EDGE[1], rise));
+    const Colour low = mix(FOG, AZURE, soft(FOG_TO_AZURE[0], FOG_TO_AZURE[1], rise));
+    return mix(low, ZENITH, soft(AZURE_TO_ZENITH[0], AZURE_TO_ZENITH[1], rise));
+}
+
+static float haze(float rise)
+{
+    return HAZE_STRENGTH * soft(HAZE_BAND[0], HAZE_BAND[1], rise) *
+           soft(HAZE_BAND[2], HAZE_BAND[1], rise);
 }
 
 static float veil(float x, float y)
 {
-    const float cells = 6;
-    const float warp = fractal(x / WALL * cells, y / WALL * cells, int(cells), 3, 0.5f, 431);
-    const float thin = fractal(x / WALL * 8 + warp, y / WALL * 30 + 2.5f * warp, 8, 4, 0.6f, 441);
+    const float warp = fractal(x / WALL * 6, y / WALL * 6, 0, 3, 0.5f, 431);
+    const float thin = fractal(x / WALL * 8 + warp, y / WALL * 30 + 2.5f * warp, 0, 4, 0.6f, 441);
     return VEIL * soft(12, 40, y) * soft(TOP - 20, TOP - 60, y) * soft(-0.1f, 0.5f, thin);
 }
 
@@ -145,12 +165,14 @@ static Colour wallColour(const std::vector<Cloud> &clouds, float wallX, float wa
     const float x = WALL / 2 * (1 + bearing);
     const float y = wallY / length(1, tangent);
     const float window = soft(TOP - 2, TOP - 18, wallY);
-    Colour colour = mix(clearSky(wallX - WALL / 2, wallY), CLOUD_LIT, window * veil(x, y));
-    const float rough = fractal(x / WALL * 26, y / WALL * 26, 26, 5, 0.62f, 451) * 1.7f;
+    const float inner = soft(0, THINNING, std::min(wallX, WALL - wallX));
+    const float rise = elevation(wallX - WALL / 2, wallY, WALL / 2);
+    Colour colour = mix(clearSky(rise), HAZE_LIGHT, mix(HAZE_LEFT, 1, inner) * haze(rise));
+    colour = mix(colour, CLOUD_LIT, window * inner * veil(x, y));
+    const float rough = fractal(x / WALL * 26, y / WALL * 26, 0, 5, 0.62f, 491) * 1.7f;
     for (const Cloud &cloud : clouds) // the near ones come last
     {
-        float dx = x - cloud.x;
-        dx -= WALL * std::floor(dx / WALL + 0.5f); // a cloud that leaves right comes in left
+        const float dx = x - cloud.x;
         const float dy = y - cloud.base;
         if (std::fabs(dx) > cloud.halfWidth * 1.2f || dy < -3 || dy > cloud.halfWidth * 1.2f)
             continue;
@@ -158,37 +180,35 @@ static Colour wallColour(const std::vector<Cloud> &clouds, float wallX, float wa
         const float light = cloudLight(cloud, dx, dy, FLUFF * 2 * rough, &cover);
         const Colour lit = mix(CLOUD_SHADE, CLOUD_LIT, light);
         const float clear = soft(HAZE[0], HAZE[1], y);
-        colour = mix(colour, lit, window * cover * mix(0.35f, 0.96f, clear));
+        colour = mix(colour, lit, window * cover * mix(0.25f, 0.96f, clear));
     }
     return colour;
 }
 
-// Around the rim the ceiling has the colour in which the walls end.
+// Around its rim clear sky, as where the walls end.
 static Colour ceilingColour(float s, float t)
 {
     const float x = (s - CEILING_FROM) / (CEILING_TO - CEILING_FROM) * 2 - 1; // -1..1 across
     const float y = (t - CEILING_FROM) / (CEILING_TO - CEILING_FROM) * 2 - 1;
     const float window = soft(0.95f, 0.45f, std::max(std::fabs(x), std::fabs(y)));
     const float thin = fractal(x * 2.3f, y * 2.3f, 0, 5, 0.5f, 471);
-    return mix(ZENITH, CLOUD_LIT, 0.45f * window * soft(-0.1f, 0.5f, thin));
+    return mix(clearSky(elevation(x * WALL / 2, TOP, y * WALL / 2)), CLOUD_LIT,
+               0.40f * window * soft(-0.1f, 0.5f, thin));
 }
 
 int paintSky(const Output &output)
 {
     const std::vector<Cloud> clouds = makeClouds();
-    Canvas canvas(SKY_WIDTH, SKY_HEIGHT);
+    Canvas canvas(SKY_SIZE, SKY_SIZE);
     canvas.paint(
         [&](int column, int row)
         {
-            const float s = (float(column) + 0.5f) / SKY_WIDTH;
-            const float t = (float(row) + 0.5f) / SKY_HEIGHT;
+            const float s = (float(column) + 0.5f) / SKY_SIZE;
+            const float t = (float(row) + 0.5f) / SKY_SIZE;
             if (s < CEILING_TO + CEILING_MARGIN && t < CEILING_TO + CEILING_MARGIN)
                 return ceilingColour(s, t);
-            const float y = t * WALL - BELOW_EYE;
-            const Colour colour = y > 0 ? wallColour(clouds, s * WALL, y) : FOG;
-            const int outermost = column == 0 || column == SKY_WIDTH - 1 || row == SKY_HEIGHT - 1;
-            return outermost ? colour * EDGE_LIGHT : colour;
+            return wallColour(clouds, s * WALL, t * WALL - BELOW_EYE);
         });
-    canvas.at(0, 0) = FOG; // the floor
+    canvas.at(0, 0) = EDGE; // the floor
     return saveColours(output, "TexSkyBox", canvas);
 }

@@ -1,0 +1,252 @@
+#include "view.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+
+namespace
+{
+struct Direction
+{
+    double x, y, z;
+};
+
+// Half a space: what is in view lies at distance 0 or more.
+struct Plane
+{
+    Direction normal; // unit length
+    double offset;
+};
+
+// The pyramid of the view, cut off at the near and the far plane.
+struct View
+{
+    Direction eye;
+    Direction ahead, right, up; // unit vectors
+    double tanX, tanY;          // of half the field of view
+    double near;
+    Plane planes[6];
+    Direction corners[8]; // bit 0: right, bit 1: up, bit 2: far
+};
+} // namespace
+
+// Units. Single precision places a vertex about this well.
+constexpr double SLACK = 1.0;
+// Twice the rounding of single precision, and how far from the origin the land reaches. A vertex is
+// clipped where its depth and its distance, both about far, differ by rounding; there the depth
+// grows by 2 / far a unit, with the near plane at 1.
+constexpr double CLIP_ROUNDING = 2e-7;
+constexpr double REACH = 10000;
+constexpr double PIXEL_SLACK = 8.0; // the same for prisms that end ten million units away
+// Below this share of the ground plane in the direction of the look, its rounding turns the view.
+constexpr double STEEPEST = 0.002;
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+
+static View view;
+static bool isSet = false;
+
+static Direction direction(Vector v)
+{
+    return {v.x, v.y, v.z};
+}
+
+static double dot(Direction a, Direction b)
+{
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+static Direction sum(Direction a, double s, Direction b) // a + s b
+{
+    return {a.x + s * b.x, a.y + s * b.y, a.z + s * b.z};
+}
+
+static Direction difference(Direction a, Direction b)
+{
+    return sum(a, -1, b);
+}
+
+static Direction cross(Direction a, Direction b)
+{
+    return {a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y};
+}
+
+static Direction unit(Direction v)
+{
+    return sum({0, 0, 0}, 1 / std::sqrt(dot(v, v)), v);
+}
+
+static Plane planeThrough(Direction point, Direction inward)
+{
+    const Direction normal = unit(inward);
+    return {normal, -dot(normal, point)};
+}
+
+static void setPlanes(double far)
+{
+    const Direction back = sum({0, 0, 0}, -1, view.ahead);
+    const auto side = [](double tangent, double sign, Direction across) {
+        return planeThrough(view.eye, sum(sum({0, 0, 0}, tangent, view.ahead), -sign, across));
+    };
+    const Plane planes[] = {side(view.tanX, -1, view.right),
+                            side(view.tanX, 1, view.right),
+                            planeThrough(sum(view.eye, far, view.ahead), back),
+                            side(view.tanY, -1, view.up),
+                            side(view.tanY, 1, view.up),
+                            planeThrough(sum(view.eye, view.near, view.ahead), view.ahead)};
+    std::copy(std::begin(planes), std::end(planes), view.planes);
+}
+
+static void setCorners(double far)
+{
+    for (int i = 0; i < 8; ++i)
+    {
+        const double depth = i & 4 ? far : view.near;
+        const double x = depth * view.tanX * (i & 1 ? 1 : -1);
+        const double y = depth * view.tanY * (i & 2 ? 1 : -1);
+        const Direction middle = sum(view.eye, depth, view.ahead);
+        view.corners[i] = sum(sum(middle, x, view.right), y, view.up);
+    }
+}
+
+void setView(const Eye *eye)
+{
+    view.eye = direction(eye->position);
+    view.ahead = unit(difference({eye->target[0], eye->target[1], eye->target[2]}, view.eye));
+    // Nor is there a view without a direction or a depth.
+    isSet = std::hypot(view.ahead.x, view.ahead.z) > STEEPEST && eye->near < eye->far;
+    if (!isSet)
+        return;
+    view.right = unit(cross(view.ahead, {0, 1, 0}));
+    view.up = cross(view.right, view.ahead);
+    view.tanY = std::tan(eye->fieldOfView * 0.5 / 180 * PI);
+    view.tanX = view.tanY * eye->aspect;
+    view.near = eye->near;
+    const double far = eye->far + CLIP_ROUNDING * eye->far * (eye->far + REACH);
+    setPlanes(far);
+    setCorners(far);
+}
+
+void clearView()
+{
+    isSet = false;
+}
+
+int sphereInView(Vector centre, float radius)
+{
+    if (!isSet)
+        return 1;
+    const Direction point = direction(centre);
+    for (const Plane &plane : view.planes)
+        if (dot(plane.normal, point) + plane.offset < -(radius + SLACK))
+            return 0;
+    return 1;
+}
+
+// A box lies outside a plane when the corner that reaches farthest inward does.
+int boxInView(Vector lowest, Vector highest)
+{
+    if (!isSet)
+        return 1;
+    for (const Plane &plane : view.planes)
+    {
+        const Direction n = plane.normal;
+        const Direction inmost = {n.x > 0 ? highest.x : lowest.x, n.y > 0 ? highest.y : lowest.y,
+                                  n.z > 0 ? highest.z : lowest.z};
+        if (dot(n, inmost) + plane.offset < -SLACK)
+            return 0;
+    }
+    return 1;
+}
+
+static void extend(Span *span, double value)
+{
+    span->low = std::min(span->low, static_cast<float>(value - SLACK));
+    span->high = std::max(span->high, static_cast<float>(value + SLACK));
+}
+
+// Where the edge from a to b passes x, if it does.
+static void extendAtCrossing(Span *z, Direction a, Direction b, double x)
+{
+    if ((a.x < x) != (b.x < x))
+        extend(z, a.z + (b.z - a.z) * (x - a.x) / (b.x - a.x));
+}
+
+Span viewSpan(Span x)
+{
+    if (!isSet)
+        return {-INFINITE, INFINITE};
+    const double low = x.low - SLACK, high = x.high + SLACK;
+    Span z = {INFINITE, -INFINITE};
+    for (int i = 0; i < 8; ++i)
+    {
+        const Direction &corner = view.corners[i];
+        if (low <= corner.x && corner.x <= high)
+            extend(&z, corner.z);
+        for (int bit = 1; bit < 8; bit <<= 1)
+            if (!(i & bit)) // each edge once
+            {
+                extendAtCrossing(&z, corner, view.corners[i | bit], low);
+                extendAtCrossing(&z, corner, view.corners[i | bit], high);
+            }
+    }
+    return z;
+}
+
+namespace
+{
+struct Bounds // in units of half the display from its middle
+{
+    double left = INFINITY, right = -INFINITY, bottom = INFINITY, top = -INFINITY;
+};
+} // namespace
+
+// In the eye's own frame: right and up in units of half the field of view, and ahead.
+static Direction seenFrom(Vector point)
+{
+    const Direction offset = difference(direction(point), view.eye);
+    return {dot(offset, view.right) / view.tanX, dot(offset, view.up) / view.tanY,
+            dot(offset, view.ahead)};
+}
+
+static void extendByPoint(Bounds *bounds, Direction seen)
+{
+    const double x = seen.x / seen.z, y = seen.y / seen.z;
+    bounds->left = std::min(bounds->left, x);
+    bounds->right = std::max(bounds->right, x);
+    bounds->bottom = std::min(bounds->bottom, y);
+    bounds->top = std::max(bounds->top, y);
+}
+
+static int toPixel(double position, double slack, int size)
+{
+    return truncateToInt(std::clamp((position * 0.5 + 0.5) * size + slack, 0.0, 1.0 * size));
+}
+
+// What the near plane leaves of a hull has its corners at points in front of the plane and where
+// the line between one in front and one behind passes it.
+ScreenArea screenArea(const Vector *points, int count, int width, int height)
+{
+    if (!isSet)
+        return {0, 0, width, height};
+    Bounds bounds;
+    for (int i = 0; i < count; ++i)
+    {
+        const Direction a = seenFrom(points[i]);
+        if (a.z < view.near)
+            continue;
+        extendByPoint(&bounds, a);
+        for (int k = 0; k < count; ++k)
+        {
+            const Direction b = seenFrom(points[k]);
+            if (b.z < view.near)
+                extendByPoint(&bounds, sum(a, (a.z - view.near) / (a.z - b.z), difference(b, a)));
+        }
+    }
+    if (bounds.left > bounds.right)
+        return {0, 0, 0, 0};
+    const int x = toPixel(bounds.left, -PIXEL_SLACK, width);
+    const int y = toPixel(bounds.bottom, -PIXEL_SLACK, height);
+    return {x, y, toPixel(bounds.right, PIXEL_SLACK, width) - x,
+            toPixel(bounds.top, PIXEL_SLACK, height) - y};
+}

@@ -1,0 +1,206 @@
+// What a frame leaves out because it is out of view changes no pixel of it.
+#include "scene.h"
+#include "view.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr int SIDE = 500; // samples
+
+// Land, people and tanks as many as in the game, on hills that are alike along no two directions.
+struct WholeWorld : Scene
+{
+    void SetUp() override
+    {
+        Scene::SetUp();
+        writeImage("Map.tga", SIDE, 1,
+                   [](int z, int x) {
+                       return Rgb{uint8_t(110 + 70 * std::sin(x / 17.0) +
+                                          60 * std::cos(z / 29.0 + x / 90.0))};
+                   });
+        writeImage("MapTex.tga", SIDE, 4,
+                   [](int z, int x) {
+                       return Rgb{uint8_t(60 + x % 90), uint8_t(120 + z % 80), uint8_t(x * 3 + z)};
+                   });
+        ASSERT_TRUE(initTerrain(&ter));
+    }
+
+    void populate()
+    {
+        srand(1);
+        ASSERT_TRUE(makeList(peopleLst, 20000, SIDE, SIDE, 25) && makeTankList(tankLst, 1500));
+        randomTankPlacement(tankLst, SIDE, SIDE, 25);
+        for (TankNode *node = tankLst->head; node; node = node->next)
+            node->tank.lastShotTime = 1e9f; // a shot that lands changes the land it was drawn over
+        VIEW_DISTANCE = 40000;
+        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // from now on the clock stands
+        initCube(&cb);
+        cb.momentum = {0, 0, 0};
+        cb.orientation = normalize({0.9f, 0.3f, -0.2f, 0.1f});
+        for (float x = -900; x < 6000; x += 230)
+            deformTerrain(&ter, {x, 0, 700 - x * 0.3f}, 10, DEFORM_CRATER);
+        addShot(shotLst, {0, {10, 700, 20}, {0, 0, 0}, 40, nullptr});
+    }
+
+    void comparePictures();
+};
+
+struct Place
+{
+    const char *name;
+    Vector cube; // above the ground
+    Vector eye;  // from the cube
+    int distance;
+    bool over;
+};
+} // namespace
+
+constexpr Place PLACES[] = {
+    {"behind on the ground", {130, 50, -420}, {20, 240, -310}, 5000, false},
+    {"along +x", {900, 60, 300}, {-330, 180, 0}, 4000, false},
+    {"along -z", {-2100, 50, 800}, {0, 150, 330}, 2500, false},
+    {"from below it", {700, 400, -1500}, {140, -330, 60}, 5000, false},
+    {"high up", {-300, 1900, 1200}, {-250, 700, 190}, 9000, false},
+    {"steeply down", {40, 60, 70}, {9, 1500, -4}, 6000, false},
+    {"straight down", {0, 50, 0}, {0, 900, 0}, 5000, false},
+    {"straight up", {300, 1500, 600}, {0, -1300, 0}, 5000, false},
+    {"at the lower rim", {-6100, 50, -6050}, {290, 260, 170}, 5000, false},
+    {"at the upper rim", {6150, 80, 5900}, {-200, 300, -240}, 14000, false},
+    {"off the land, looking back", {6900, 700, -300}, {800, 200, 90}, 14000, false},
+    {"off the land, looking away", {-7300, 300, 200}, {600, 240, -50}, 9000, false},
+    {"the land from its corner", {-5800, 900, -5700}, {-400, 500, -330}, 14000, false},
+    {"circling after the end", {500, 10, 900}, {-640, 1100, 770}, 4500, true},
+    {"over craters", {1500, 90, 240}, {-320, 260, -60}, 5000, false},
+};
+
+static void arrange(const Place &place)
+{
+    const float ground = getHeightAt(&ter, place.cube.x, place.cube.z);
+    cb.position = vectorAdd(place.cube, {0, ground, 0});
+    cb.momentum = cb.force = {0, 0, 0};
+    cam.position = vectorAdd(cb.position, place.eye);
+    VIEW_DISTANCE = place.distance;
+    gameOver = place.over;
+    SHADOW = 1;
+}
+
+// The frame that was just drawn once more: everything in range, alpha tested, the shadow unbounded.
+static void drawAllInRange(int distance)
+{
+    VIEW_DISTANCE = distance;
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glPushMatrix();
+    lookAtCube();
+    clearView();
+    drawSkyBox();
+    drawTerrain(&ter, cb.position.x, cb.position.z, static_cast<float>(distance));
+    drawHorde(peopleLst, &cb);
+    drawTanks(tankLst, &cb, &ter);
+    renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
+    float angle;
+    Vector axis;
+    quaternionGetAngleAxis(cb.orientation, &angle, &axis);
+    glPushMatrix();
+    glTranslatef(cb.position.x, cb.position.y, cb.position.z);
+    glRotatef(radToDec(angle), axis.x, axis.y, axis.z);
+    drawCube(&cb);
+    glPopMatrix();
+    drawShots(shotLst, &ter);
+    glColor3f(0, 0, 0);
+    displayScore();
+    displaySize();
+    if (gameOver)
+        displayGameOver();
+    glPopMatrix();
+}
+
+void WholeWorld::comparePictures()
+{
+    for (const Place &place : PLACES)
+    {
+        arrange(place);
+        drawScreen();
+        const Picture drawn = look();
+        ASSERT_TRUE(glIsEnabled(GL_ALPHA_TEST));
+        drawAllInRange(place.distance);
+        const Picture all = look();
+        size_t differences = 0;
+        for (size_t i = 0; i < all.size(); ++i)
+            differences += drawn[i] != all[i];
+        EXPECT_EQ(differences, 0u) << place.name;
+    }
+}
+
+TEST_F(WholeWorld, LooksTheSameWithoutWhatIsOutOfView)
+{
+    populate();
+    comparePictures();
+}
+
+TEST_F(WholeWorld, LooksTheSameWithoutThePictureBoardsThatAreOutOfView)
+{
+    TRANSPARENCY = 1;
+    populate();
+    comparePictures();
+}
+
+// How many times a list is called by a drawing, which then shows nothing else.
+static int countCalls(uint32_t *list, std::function<void()> draw)
+{
+    std::vector<float> buffer(1 << 22);
+    const uint32_t kept = *list;
+    *list = glGenLists(1);
+    glNewList(*list, GL_COMPILE);
+    glPassThrough(1);
+    glEndList();
+    glFeedbackBuffer(1 << 22, GL_2D, buffer.data());
+    glRenderMode(GL_FEEDBACK);
+    draw();
+    const int size = glRenderMode(GL_RENDER);
+    glDeleteLists(*list, 1);
+    *list = kept;
+    return static_cast<int>(
+        std::count(buffer.begin(), buffer.begin() + size, GL_PASS_THROUGH_TOKEN));
+}
+
+TEST_F(WholeWorld, SendsLittleMoreThanWhatIsInView)
+{
+    populate();
+    const struct
+    {
+        const char *name;
+        Place place;
+        int people, tanks; // at the most; without a view some 12,200 and 1,500
+    } cases[] = {{"near", PLACES[0], 1100, 70}, {"far", PLACES[12], 12000, 1100}};
+    for (const auto &c : cases)
+    {
+        arrange(c.place);
+        drawScreen();
+        VIEW_DISTANCE = c.place.distance;
+        const auto countTanks = []
+        { return countCalls(&tankLst->hullList, [] { drawTanks(tankLst, &cb, &ter); }); };
+        EXPECT_EQ(countTanks(), 1500) << "outside a frame";
+        glLoadIdentity();
+        lookAtCube();
+        const int people = countCalls(&peopleLst->displayList, [] { drawHorde(peopleLst, &cb); });
+        const int tanks = countTanks();
+        EXPECT_TRUE(people > 10 && people < c.people) << c.name << ": " << people;
+        EXPECT_TRUE(tanks > 1 && tanks < c.tanks) << c.name << ": " << tanks;
+        clearView();
+    }
+}
+
+TEST_F(WholeWorld, MarkedBlockOutOfViewStaysMarked)
+{
+    populate();
+    arrange(PLACES[0]); // looks along +z
+    drawScreen();
+    const uint32_t *behind = &ter.displayLists[10][7], *ahead = &ter.displayLists[10][11];
+    terrainFlagDLDirty(&ter, 262, 187);
+    terrainFlagDLDirty(&ter, 262, 287);
+    drawScreen();
+    EXPECT_EQ(*behind, DIRTY_LIST);
+    EXPECT_NE(*ahead, DIRTY_LIST);
+}

@@ -1,0 +1,77 @@
+#!/bin/bash
+# package.sh - builds the Debian package, looks into it and plays what it installs.
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+source tools/setup.sh
+# shellcheck source=tests/package/installed.sh
+source tests/package/installed.sh
+
+newestVersions() # of the program, the package, the list of changes and the metadata
+{
+    sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt
+    dpkg-parsechangelog -l packaging/debian/changelog -S Version | sed 's/-[^-]*$//'
+    sed -n '/^## \([0-9.]*\).*/ { s//\1/p; q }' CHANGELOG.md
+    sed -n '/.*<release version="\([^"]*\)".*/ { s//\1/p; q }' packaging/tumbledown.metainfo.xml
+}
+
+describesItselfWithoutFault()
+{
+    [[ $(newestVersions | uniq -c) =~ ^\ *4\ [0-9.]+$ ]] || fail "which version is it?"
+    desktop-file-validate packaging/tumbledown.desktop
+    appstreamcli validate --no-net packaging/tumbledown.metainfo.xml
+    [[ -z $(man --warnings -E UTF-8 -l packaging/tumbledown.6 2>&1 >/dev/null) ]] ||
+        fail "man has warnings for the manual page"
+    mandoc -T lint -W all packaging/tumbledown.6
+    lintian --fail-on error,warning "$package"
+}
+
+holdsWhatItShould()
+{
+    diff tests/package/files.txt <(dpkg-deb -c "$package" | awk '!/^d/ { print $1, $2, $6 }')
+    dpkg-deb -f "$package" Depends | grep -q 'libsdl1.2debian (.*) | libsdl1.2-compat-shim' ||
+        fail "the package does not depend on either SDL"
+}
+
+isHardened()
+{
+    local told word
+    dpkg-deb -x "$package" "$scratch/root"
+    told=$(readelf -Wd --dyn-syms "$scratch/root/usr/libexec/tumbledown/tumbledown")
+    for word in PIE NOW __stack_chk_fail __fprintf_chk; do
+        [[ $told == *"$word"* ]] || fail "the program is built without $word"
+    done
+}
+
+playsFromItsRoot()
+{
+    plays "$scratch/root/usr/games/tumbledown"
+}
+
+isTheSameWhereverItIsBuilt()
+{
+    local copy="$scratch/another place" time
+    time=$(stat -c %Y "$scratch/root/usr/games/tumbledown")
+    mkdir "$copy"
+    tar -c --exclude=./build --exclude=./.git . | tar -x -C "$copy"
+    SOURCE_DATE_EPOCH=$time "$copy/tools/package.sh" >"$scratch/again"
+    cmp "$package" "$(tail -n 1 "$scratch/again")"
+}
+
+playsFromAMovedPrefixThroughALink()
+{
+    cmake --install build/package --prefix "$scratch/prefix" >/dev/null
+    mv "$scratch/prefix" "$scratch/moved to here"
+    ln -s "moved to here/bin/tumbledown" "$scratch/first"
+    ln -s "$scratch/first" "$scratch/a link"
+    plays "$scratch/a link"
+}
+
+scratch=$(mktemp -d)
+openDisplay "$scratch"
+trap 'closeDisplay; rm -rf "$scratch"' EXIT
+package=$(tools/package.sh | tail -n 1)
+for claim in describesItselfWithoutFault holdsWhatItShould isHardened playsFromItsRoot \
+    isTheSameWhereverItIsBuilt playsFromAMovedPrefixThroughALink; do
+    echo "the package $claim"
+    "$claim"
+done

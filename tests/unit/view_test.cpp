@@ -1,0 +1,133 @@
+#include "fixtures.h"
+#include "view.h"
+
+#include <cmath>
+
+// Looks along +x, +z to the right: 1 up and 2 to the right for each unit ahead.
+constexpr Eye AHEAD = {{100, 50, -200}, {300, 50, -200}, 90, 2, 1, 1000};
+
+struct View : testing::Test
+{
+    View()
+    {
+        setView(&AHEAD);
+    }
+    ~View() override
+    {
+        clearView();
+    }
+};
+
+TEST_F(View, SphereIsOutWhenItLiesBeyondOneOfThePlanes)
+{
+    const struct
+    {
+        const char *side;
+        Vector inward, outward; // centres of spheres of radius 10 that just touch, and just do not
+    } cases[] = {
+        {"top", {200, 164, -200}, {200, 168, -200}}, {"bottom", {200, -64, -200}, {200, -68, -200}},
+        {"right", {200, 50, 22}, {200, 50, 27}},     {"left", {200, 50, -422}, {200, 50, -427}},
+        {"near", {92, 50, -200}, {88, 50, -200}},    {"far", {1109, 50, -200}, {1117, 50, -200}}};
+    for (const auto &c : cases)
+    {
+        EXPECT_TRUE(sphereInView(c.inward, 10)) << c.side;
+        EXPECT_FALSE(sphereInView(c.outward, 10)) << c.side;
+    }
+}
+
+TEST_F(View, BoxIsOutWhenAllOfItLiesBeyondOnePlane)
+{
+    const struct
+    {
+        const char *name;
+        Vector lowest, highest;
+        int in;
+    } cases[] = {{"around the eye", {0, 0, -300}, {200, 100, -100}, 1},
+                 {"high, far to the right, but wide", {500, 40, 0}, {700, 60, 2000}, 1},
+                 {"a tower through the view", {400, -900, -210}, {410, 900, -190}, 1},
+                 {"above", {200, 355, -300}, {300, 500, -100}, 0},
+                 {"its lower edge reaches in", {200, 245, -300}, {300, 500, -100}, 1},
+                 {"below", {200, -500, -300}, {300, -155, -100}, 0},
+                 {"behind", {-50, 0, -300}, {95, 100, -100}, 0},
+                 {"beyond", {1108, 0, -300}, {1200, 100, -100}, 0},
+                 {"to the left", {200, 0, -900}, {300, 100, -605}, 0},
+                 {"to the right", {200, 0, 205}, {300, 100, 900}, 0}};
+    for (const auto &c : cases)
+        EXPECT_EQ(boxInView(c.lowest, c.highest), c.in) << c.name;
+}
+
+TEST_F(View, SpanIsTheWidthOfTheViewInThatStripOfLand)
+{
+    const struct
+    {
+        const char *name;
+        Span x, z;
+    } cases[] = {{"ahead", {300, 350}, {-700, 300}}, // 2 to each side for each of 250 ahead
+                 {"in front of all", {-INFINITY, 500}, {-1000, 600}},
+                 {"up to the far plane", {900, INFINITY}, {-2200, 1800}}};
+    for (const auto &c : cases)
+    {
+        const Span z = viewSpan(c.x);
+        EXPECT_TRUE(isNear({z.low, z.high, 0}, {c.z.low, c.z.high, 0}, 6)) << c.name;
+    }
+    for (const Span x : {Span{0, 90}, {1110, 1300}})
+        EXPECT_GT(viewSpan(x).low, viewSpan(x).high) << "out of view";
+}
+
+TEST_F(View, SpanOfATiltedViewHoldsEveryPointOfItAndLittleElse)
+{
+    const Eye tilted = {{100, 500, -200}, {40, 380, -260}, 60, 1.5, 1, 2000};
+    setView(&tilted);
+    for (const float x : {100.0f, -300.0f, -900.0f, -1500.0f})
+    {
+        Span z = {INFINITY, -INFINITY};
+        for (float y = -2500; y < 1500; y += 10)
+            for (float at = -3000; at < 1500; at += 10)
+                if (sphereInView({x, y, at}, 0))
+                    z = {std::min(z.low, at), std::max(z.high, at)};
+        const Span span = viewSpan({x, x});
+        EXPECT_TRUE(isNear({span.low, span.high, 0}, {z.low, z.high, 0}, 15)) << x;
+    }
+}
+
+TEST_F(View, ScreenAreaHoldsTheHullAlsoWhereItPassesTheEye)
+{
+    const struct
+    {
+        const char *name;
+        std::vector<Vector> points;
+        ScreenArea area; // of 800 x 400 pixels
+    } cases[] = {        // at 100 ahead 2 pixels are a unit; 8 pixels are added to each side
+                 {"a tilted square ahead",
+                  {{200, 30, -200}, {200, 60, -220}, {200, 90, -190}, {200, 50, -170}},
+                  {352, 152, 116, 136}},
+                 {"down past the eye", {{200, 60, -180}, {0, -140, -180}}, {432, 0, 368, 228}},
+                 {"behind", {{90, 60, -180}, {0, -140, -180}}, {0, 0, 0, 0}}};
+    for (const auto &c : cases)
+    {
+        const ScreenArea area = screenArea(c.points.data(), int(c.points.size()), 800, 400);
+        EXPECT_NEAR(area.x, c.area.x, 1) << c.name;
+        EXPECT_NEAR(area.y, c.area.y, 1) << c.name;
+        EXPECT_NEAR(area.width, c.area.width, 1) << c.name;
+        EXPECT_NEAR(area.height, c.area.height, 1) << c.name;
+    }
+}
+
+TEST_F(View, EverythingIsInViewWhereThereIsNone)
+{
+    const Vector behind = {-500, 50, -200}, corner = {-490, 60, -190};
+    const Eye eyes[] = {{{100, 50, -200}, {100, -350, -200}, 90, 2, 1, 1000}, // straight down
+                        {{100, 50, -200}, {100, 950, -200}, 90, 2, 1, 1000},  // straight up
+                        {{100, 50, -200}, {100, 50, -200}, 90, 2, 1, 1000},   // nowhere
+                        {{NAN, 50, -200}, {300, 50, -200}, 90, 2, 1, 1000},   // from nowhere
+                        {{100, 50, -200}, {300, 50, -200}, 90, 2, 1, 1}};     // no depth
+    for (int i = 0; i < 6; ++i)
+    {
+        i < 5 ? setView(&eyes[i]) : clearView();
+        EXPECT_TRUE(sphereInView(behind, 1) && boxInView(behind, corner)) << i;
+        EXPECT_EQ(viewSpan({0, 1}).low, -INFINITY) << i;
+        EXPECT_EQ(screenArea(&behind, 1, 800, 400).width, 800) << i;
+        setView(&AHEAD);
+        EXPECT_FALSE(sphereInView(behind, 1) || boxInView(behind, corner));
+    }
+}

@@ -50,7 +50,7 @@ struct Scene : EmptyWorld
     void SetUp() override
     {
         for (const char *name : {"TexCube.tga", "TexSkyBox.tga", "TexPerson.tga"})
-            writeImage(name, 16, 8, 3, [](int x, int y) { return CORNERS[x / 8][y / 4]; });
+            writeImage(name, 10, 8, 3, [](int x, int y) { return CORNERS[x / 5][y / 4]; });
         writeImage("TexPersonBack.tga", 8, 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
         for (const char *name : {"TexNoise.tga", "TexTank.tga"})
             writeImage(name, 8, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });

@@ -1,4 +1,4 @@
-// scene.h - what the tests of the drawing share: a real OpenGL context, test pictures, and pixels.
+// scene.h - what the tests on a real OpenGL context share: a display, a land, an eye, a picture.
 #pragma once
 
 #include "fixtures.h"
@@ -6,22 +6,32 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
+#include <algorithm>
+#include <cmath>
 #include <functional>
+#include <map>
 
-constexpr int WIDTH = 1024, HEIGHT = 768;
+inline constexpr int WIDTH = 1024, HEIGHT = 768;
 using Rgb = std::array<uint8_t, 3>;
 using Picture = std::vector<Rgb>; // row by row from the bottom
-constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 255};
+inline constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 255};
 // The corners of the test picture by [s][t]: none is another's mirror image.
-constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
+inline constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
 
-inline void writeImage(const char *name, int side, int bytes, std::function<Rgb(int, int)> colour)
+inline void writeImage(const char *name, int16_t width, int16_t height, int bytes,
+                       std::function<Rgb(int, int)> colour)
 {
-    uint8_t *pixels = static_cast<uint8_t *>(malloc(side * side * bytes)); // tgaSave frees it
-    for (int i = 0; i < side * side * bytes; ++i)
-        pixels[i] = colour(i / bytes % side, i / bytes / side)[i % bytes % 3];
-    const int16_t size = static_cast<int16_t>(side);
-    ASSERT_EQ(tgaSave(name, size, size, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
+    const int count = width * height * bytes;
+    uint8_t *pixels = static_cast<uint8_t *>(malloc(count)); // tgaSave frees it
+    for (int i = 0; i < count; ++i)
+        pixels[i] = colour(i / bytes % width, i / bytes / width)[i % bytes % 3];
+    ASSERT_EQ(tgaSave(name, width, height, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
+}
+
+inline void writeImage(const char *name, int16_t side, int bytes,
+                       std::function<Rgb(int, int)> colour)
+{
+    writeImage(name, side, side, bytes, colour);
 }
 
 // One video mode for all tests; each starts as start-up does, on a black screen.
@@ -40,10 +50,10 @@ struct Scene : EmptyWorld
     void SetUp() override
     {
         for (const char *name : {"TexCube.tga", "TexSkyBox.tga", "TexPerson.tga"})
-            writeImage(name, 16, 3, [](int x, int y) { return CORNERS[x / 8][y / 8]; });
-        writeImage("TexPersonBack.tga", 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
+            writeImage(name, 10, 8, 3, [](int x, int y) { return CORNERS[x / 5][y / 4]; });
+        writeImage("TexPersonBack.tga", 8, 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
         for (const char *name : {"TexNoise.tga", "TexTank.tga"})
-            writeImage(name, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
+            writeImage(name, 8, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
         glPushAttrib(GL_ALL_ATTRIB_BITS);
         glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
         setupOpengl(WIDTH, HEIGHT);
@@ -61,9 +71,64 @@ struct Scene : EmptyWorld
     }
 };
 
+// Side * side samples of some grey level and colour with nobody on them; by itself flat land, 150
+// units high.
+inline void build(
+    int16_t side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
+    std::function<Rgb(int x, int z)> colour =
+        [](int, int) {
+            return Rgb{128, 255, 64};
+        })
+{
+    const auto height = [&](int z, int x) { return Rgb{static_cast<uint8_t>(level(x, z))}; };
+    writeImage("Map.tga", side, side, 1, height); // rows of the images run along x
+    writeImage("MapTex.tga", side, side, 4, [&](int z, int x) { return colour(x, z); });
+    ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, 0, side, side, 25));
+    ASSERT_TRUE(makeTankList(tankLst, 0));
+}
+
+inline Vector off(Vector from, Vector along, float distance)
+{
+    return vectorAdd(from, vectorMultiply(along, distance));
+}
+
+inline void aim(Vector eye, Vector at, Vector up)
+{
+    glLoadIdentity();
+    gluLookAt(eye.x, eye.y, eye.z, at.x, at.y, at.z, up.x, up.y, up.z);
+}
+
+inline void lookFrom(Vector eye, Vector at, Vector up = {0, 1, 0}) // with a clear screen
+{
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    aim(eye, at, up);
+}
+
 inline Picture look()
 {
     Picture picture(WIDTH * HEIGHT);
     glReadPixels(0, 0, WIDTH, HEIGHT, GL_RGB, GL_UNSIGNED_BYTE, picture.data());
     return picture;
+}
+
+// Where the current view shows a point: x and y in pixels, z in the depth buffer.
+inline Vector project(Vector world)
+{
+    GLdouble model[16], projection[16], x, y, z;
+    const GLint viewport[] = {0, 0, WIDTH, HEIGHT};
+    glGetDoublev(GL_MODELVIEW_MATRIX, model);
+    glGetDoublev(GL_PROJECTION_MATRIX, projection);
+    gluProject(world.x, world.y, world.z, model, projection, viewport, &x, &y, &z);
+    return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
+}
+
+inline Rgb seen(const Picture &picture, Vector world)
+{
+    const Vector at = project(world);
+    return picture.at(int(at.y) * WIDTH + int(at.x));
+}
+
+inline bool isAlike(Rgb a, Rgb b) // within 8 of 255
+{
+    return abs(a[0] - b[0]) <= 8 && abs(a[1] - b[1]) <= 8 && abs(a[2] - b[2]) <= 8;
 }

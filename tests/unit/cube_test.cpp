@@ -2,97 +2,151 @@
 
 constexpr float M = 1e6f; // mass of the cube at the start
 
-TEST_F(World, CubeFallsAndRollsOnUnderTheForcesOfOneStep)
+static Vector perMass(Vector v)
 {
+    return vectorMultiply(v, 1 / M);
+}
+
+TEST_F(World, CubeStartsAboveTheEdgeOfTheLandFliesTowardsItsMiddleAndFalls)
+{
+    EXPECT_NEAR(cb.inertia, 1e10 / 6, 1);
     updateCube(&cb, 0.02f);
-    expectNear({0, 1999.92, -3980, 0, -4, 1000, 90, 4}, 1e-3, cb.position, cb.velocity, cb.heading,
-               cb.spinLimit);
-    // Speed along x and z, and the heading
-    for (const auto &s : table("149 149.9 33 | 150 0 0 | -150 0 180 | 0 -151 270 | 0 1000 90"))
-    {
-        cb.momentum = {s[0] * M, 0, s[1] * M};
-        cb.heading = 33;
-        updateCube(&cb, 0);
-        expectNear({s[2], 1999.92, -3980}, 1e-3, cb.heading, cb.position.y, cb.position.z);
-    }
-    cb.angularMomentum.y = cb.torque.y = static_cast<float>(cb.inertia);
-    applyForce(&cb, {2e8f, 0, 0}, cb.position);
-    updateCube(&cb, 1);
-    expectNear({200, -200, 1000, 0, 2, 0, 0, 0, 0, 0, 0, 0}, 1e-3, cb.velocity, cb.angularVelocity,
-               cb.force, cb.torque);
-    expectNear({0.70710678, 0, 0.70710678}, 1e-6, cb.orientation.w, cb.orientation.x,
-               cb.orientation.y);
+    EXPECT_TRUE(isNear(cb.position, {0, 1999.92f, -3980}, 1e-3));
+    EXPECT_TRUE(isNear(cb.velocity, {0, -4, 1000}, 1e-3));
+    EXPECT_TRUE(isNear(cb.angularVelocity, {0, 0, 0}, 0));
+}
+
+TEST_F(World, ForcesMoveAndTurnTheCubeInTheNextStepAndAreSpent)
+{
+    const float inertia = static_cast<float>(cb.inertia);
+    cb.orientation = {0.70710678f, 0.70710678f, 0, 0}; // a quarter about x
+    cb.mass = 2 * M;                                   // grown; its momentum moves it as before
+    cb.momentum = {0, 0, 0};
+    applyForce(&cb, {2 * M, 3 * M, 4 * M}, vectorAdd(cb.position, {5, -10, 20}));
+    EXPECT_TRUE(isNear(perMass(cb.torque), {-100, 20, 35}, 1e-3));
+    cb.torque = {20 * inertia, 40 * inertia, 60 * inertia};
+    updateCube(&cb, 0.1f);
+    EXPECT_TRUE(isNear(cb.velocity, {0.2f, -39.7f, 0.4f}, 1e-4));
+    EXPECT_TRUE(isNear(cb.position, {0.02f, 1996.03f, -3999.96f}, 1e-3));
+    EXPECT_TRUE(isNear(cb.angularVelocity, {2, 4, 6}, 1e-4));
+    // Half a step of the spin is (0.1, 0.2, 0.3); times the orientation, and brought to length 1.
+    const Quaternion q = quaternionMultiplyFloat(cb.orientation, std::sqrt(2.28f));
+    EXPECT_NEAR(q.w, 0.9, 1e-5);
+    EXPECT_TRUE(isNear({q.x, q.y, q.z}, {1.1f, 0.5f, 0.1f}, 1e-5));
+    EXPECT_TRUE(isNear(cb.force, {0, 0, 0}, 0) && isNear(cb.torque, {0, 0, 0}, 0));
 }
 
 TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
 {
-    // Size and target; then size, target, mass gained and game over after a step of 0.1 s.
-    for (const auto &s : table("100 110 103 110 15 0 | 100 260 145 250 225 0 | 60 40 54 40 -30 0 | "
-                               "50 50 50 50 0 0 | 49.999 90 34.9993 0 0 1"))
+    const struct
     {
+        float size, target; // before a step of 0.1 s
+        float newSize, newTarget, gainedMass, speed;
+        int over;
+    } rows[] = {
+        {100, 260, 145, 250, 225, 1000, 0}, // no target above 250
+        {60, 40, 54, 40, -30, 1000, 0},
+        {50, 50, 50, 50, 0, 1000, 0},
+        {49.999f, 90, 34.9993f, 0, 0, 0, 1}, // and it is stopped
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.size);
         Cube cube = cb;
-        cube.size = s[0];
-        cube.targetSize = s[1];
-        cube.force.x = 1e7f;
+        cube.size = row.size;
+        cube.targetSize = row.target;
         updateCube(&cube, 0.1f);
-        const double inertia = s[4] != 0 ? cube.mass * s[2] * s[2] / 6.0 : cb.inertia;
-        expectNear(
-            {s[2], s[3], s[4], s[5], 6 - s[2] / 50, 1, 1, s[5] * 20 - 20, 1000 - s[5] * 1000}, 1e-3,
-            cube.size, cube.targetSize, cube.mass - M, gameOver, cube.spinLimit,
-            cube.inverseInertia * inertia, cube.velocity);
+        EXPECT_NEAR(cube.size, row.newSize, 1e-3);
+        EXPECT_EQ(cube.targetSize, row.newTarget);
+        EXPECT_NEAR(cube.mass - M, row.gainedMass, 1e-3);
+        EXPECT_NEAR(cube.velocity.z, row.speed, 1e-3);
+        EXPECT_EQ(gameOver, row.over);
+        EXPECT_NEAR(cube.spinLimit, 6 - row.newSize / 50, 1e-5);
+        const double edge = row.gainedMass != 0 ? cube.size : cb.size;
+        EXPECT_NEAR(cube.inverseInertia * cube.mass * edge * edge / 6, 1, 1e-6);
     }
 }
 
 TEST_F(World, CornersAreNumberedAndTurnWithTheCube)
 {
-    const float corners[10][3] = {{},          {1, -1, 1}, {1, 1, 1},   {1, 1, -1},   {1, -1, -1},
-                                  {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}, {-1, -1, -1}, {}};
-    cb.position = {0, 0, 0};
-    cb.orientation = {0.70710678f, 0, 0.70710678f, 0}; // +x towards -z
-    cb.velocity = {1, 2, 3};
-    cb.angularVelocity = {0, 2, 0};
-    for (int k = 0; k < 10; ++k)
+    const Vector signs[] = {{},          {1, -1, 1}, {1, 1, 1},   {1, 1, -1},   {1, -1, -1},
+                            {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}, {-1, -1, -1}, {}};
+    cb.position = {1000, 2000, 3000};
+    cb.orientation = {0.5f, 0.5f, 0.5f, 0.5f}; // x turns to y, y to z, z to x
+    cb.velocity = {100, 200, 300};
+    cb.angularVelocity = {2, 3, 5};
+    for (int corner = 0; corner <= 9; ++corner)
     {
-        const float x = corners[k][2] * 50, y = corners[k][1] * 50, z = corners[k][0] * -50;
-        expectNear({x, y, z, 1 + 2 * z, 2, 3 - 2 * x}, 1e-4, getCorner(&cb, k),
-                   getCornerVelocity(&cb, k));
+        const float x = 50 * signs[corner].z, y = 50 * signs[corner].x, z = 50 * signs[corner].y;
+        EXPECT_TRUE(isNear(getCorner(&cb, corner), {1000 + x, 2000 + y, 3000 + z}, 1e-3));
+        EXPECT_TRUE(isNear(getCornerVelocity(&cb, corner),
+                           {100 + 3 * z - 5 * y, 200 + 5 * x - 2 * z, 300 + 2 * y - 3 * x}, 1e-2));
     }
 }
 
-TEST_F(World, OnlyARecordAndTheOneBeforeItPushTheCubeOut)
+TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
 {
+    const struct
+    {
+        Vector off; // from the body to the cube's centre, cut to whole units
+        int covers, crushes;
+    } rows[] = {
+        {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, // it is 50
+        {{0, 0, 50}, 0, 0},          {{0, 0, -50.2f}, 0, 0}, {{0, -49.9f, 0}, 1, 1},
+        {{30, -99.9f, 0}, 0, 1},     {{0, 100.5f, 0}, 0, 0},
+    };
+    cb.position = {0, 0, 0};
+    for (const auto &row : rows)
+    {
+        const Vector body = vectorMultiply(row.off, -1);
+        EXPECT_EQ(cubeCovers(&cb, body, 50), row.covers) << row.off;
+        EXPECT_EQ(cubeCrushes(&cb, body), row.crushes) << row.off;
+    }
+}
+
+TEST_F(World, OnlyTheDeepestCornerAndTheOneThatWasItBeforeArePushedOut)
+{
+    const struct
+    {
+        float depth[4]; // of the lower corners 1, 4, 5 and 8; negative above the ground
+        float kept[4];
+    } rows[] = {
+        {{5, 2, 4, -9}, {5, 0, 0, 0}},
+        {{2, 5, 4, -9}, {2, 5, 0, 0}},
+        {{-3, 4, -9, -9}, {0, 4, 0, 0}},
+        {{1, 2, -9, 3}, {0, 2, 0, 3}},
+    };
+    const Vector arms[4] = {{50, -50, 50}, {50, -50, -50}, {-50, -50, 50}, {-50, -50, -50}};
     cb.position = {0, 50, 0};
     TERRAIN_DEFORMING = 0;
-    // Clearances of the lower corners 1, 4, 5 and 8, then the depths at which they are pushed.
-    for (const auto &c : table("0 0 0 0 0 0 0 0 | -5 -5 9 9 5 0 0 0 | -2 -5 9 9 2 5 0 0 | -5 -2 -4 "
-                               "9 5 0 0 0 | 3 -4 9 9 0 4 0 0 | -1 -2 9 -3 0 2 0 3"))
+    for (const auto &row : rows)
     {
+        Vector force = {0, 0, 0}, torque = {0, 0, 0};
         cb.force = cb.torque = {0, 0, 0};
         for (int k = 0; k < 4; ++k)
-            ter.map[k < 2 ? 107 : 103][k % 2 ? 103 : 107] = -c[k];
+        {
+            ter.map[k < 2 ? 107 : 103][k % 2 ? 93 : 97] = row.depth[k];
+            const Vector push = {0, 12 * row.kept[k], 0};
+            force = vectorAdd(force, push);
+            torque = vectorAdd(torque, vectorCrossProduct(arms[k], push));
+        }
         collideCubeTerrain();
-        const float x = -c[4] + c[5] - c[6] + c[7], y = c[4] + c[5] + c[6] + c[7],
-                    z = c[4] + c[5] - c[6] - c[7];
-        expectNear({0, 12 * y, 0, 600 * x, 0, 600 * z}, 1e-2, vectorMultiply(cb.force, 1 / M),
-                   vectorMultiply(cb.torque, 1 / M));
+        EXPECT_TRUE(isNear(perMass(cb.force), force, 0.1)) << row.depth[0];
+        EXPECT_TRUE(isNear(perMass(cb.torque), torque, 1)) << row.depth[0];
     }
 }
 
-TEST_F(World, ContactDampsTheApproachAndTheSlideAndDentsTheGround)
+TEST_F(World, SpinningCubeDentsTheGroundWhereItsCornersFallAndIsHeldWhereTheyRise)
 {
-    // Velocity and depth, then the force in units of the mass.
-    for (const auto &c :
-         table("0 0 0 10 0 120 0 | 60 0 -80 1 -360 12 480 | 0 10 0 2 0 22 0 | 0 -10 0 2 0 106 0"))
+    cb.position = {0, 47, 0};
+    cb.velocity = {0, -100, 0};
+    cb.angularVelocity = {0, 0, 3}; // 150 units/s up at x = 50, down at x = -50
+    collideCubeTerrain();
+    for (int z : {93, 97})
     {
-        cb.force = {0, 0, 0};
-        handleCollision(&cb, {0, 1, 0}, {c[0], c[1], c[2]}, cb.position, c[3]);
-        expectNear({c[4], c[5], c[6]}, 1e-4, vectorMultiply(cb.force, 1 / M));
+        EXPECT_FLOAT_EQ(ter.map[103][z], -2) << "250 units/s times 0.02 times 0.4";
+        EXPECT_EQ(ter.map[107][z], 0);
     }
-    cb.size = 50; // corners two samples apart: the dent of the first clears the others
-    cb.position = {0, 22, 0};
-    cb.velocity = {0, -1000, 0};
-    cb.force = {0, 0, 0};
-    collideCubeTerrain(); // 12 * 3 of the spring, 8 * 1000 and 0.1 * 1000 * 3 of the damping
-    expectNear({8336, -8, -8, 0}, 1e-2, cb.force.y / M, ter.map[104][104], ter.map[108][108],
-               ter.map[103][106]);
+    // Corner 1 is pushed: the spring, less the damping, and the friction of its foot.
+    EXPECT_TRUE(isNear(perMass(cb.force), {-6 * 150, 12 * 3 - 0.1f * 50 * 3, 0}, 1e-2));
 }

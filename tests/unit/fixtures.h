@@ -1,4 +1,5 @@
-// fixtures.h - what the tests share: images written by hand, and a small world with its own clock.
+// fixtures.h - what the tests share: comparisons, images written by hand, and a small world with
+// its own clock.
 #pragma once
 
 #include "animate.h"
@@ -6,42 +7,28 @@
 
 #include <SDL.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 typedef std::vector<uint8_t> Bytes;
-typedef std::vector<double> Numbers;
+typedef std::vector<int> Ids;
 
 inline uint32_t fakeTicks = 0; // milliseconds, what SDL_GetTicks answers
 
-// Compares numbers and vectors, in order, with the numbers expected.
-template <typename... Values>
-void expectNear(const Numbers &expected, double tolerance, Values... values)
+inline std::ostream &operator<<(std::ostream &stream, Vector v)
 {
-    Numbers actual;
-    const auto append = [&](auto value)
-    {
-        if constexpr (std::is_same_v<decltype(value), Vector>)
-            actual.insert(actual.end(), {value.x, value.y, value.z});
-        else
-            actual.push_back(value);
-    };
-    (append(values), ...);
-    ASSERT_EQ(actual.size(), expected.size());
-    for (size_t i = 0; i < actual.size(); ++i)
-        EXPECT_NEAR(actual[i], expected[i], tolerance) << "number " << i;
+    return stream << '(' << v.x << ", " << v.y << ", " << v.z << ')';
 }
 
-// A table of numbers; rows are parted by bars.
-inline std::vector<std::vector<float>> table(const char *text)
+inline testing::AssertionResult isNear(Vector actual, Vector expected, double tolerance)
 {
-    std::vector<std::vector<float>> rows(1);
-    std::istringstream words(text);
-    for (std::string word; words >> word;)
-        word == "|" ? void(rows.emplace_back()) : rows.back().push_back(std::stof(word));
-    return rows;
+    const bool holds = std::fabs(actual.x - expected.x) <= tolerance &&
+                       std::fabs(actual.y - expected.y) <= tolerance &&
+                       std::fabs(actual.z - expected.z) <= tolerance;
+    return (holds ? testing::AssertionSuccess() : testing::AssertionFailure())
+           << actual << " instead of " << expected;
 }
 
 // An uncompressed image of one pixel, given as stored, over and over.
@@ -58,6 +45,32 @@ inline Bytes tga(int type, int width, int height, int depth, const Bytes &pixel,
 inline void writeFile(const char *name, const Bytes &bytes)
 {
     std::ofstream(name, std::ios::binary) << std::string(bytes.begin(), bytes.end());
+}
+
+// The identities in a list of shots, tanks or people, from its head.
+template <typename Node> Ids idsFrom(const Node *node)
+{
+    Ids ids;
+    for (; node; node = node->next)
+        if constexpr (std::is_same_v<Node, TankNode>)
+            ids.push_back(node->tank.id);
+        else if constexpr (std::is_same_v<Node, PersonNode>)
+            ids.push_back(node->person.id);
+        else
+            ids.push_back(node->id);
+    return ids;
+}
+
+// Takes the middle, the first and the last out of a list of 3, 2 and 1.
+template <typename Node, typename Remove> void expectRemovals(Node *const &head, Remove remove)
+{
+    ASSERT_EQ(idsFrom(head), Ids({3, 2, 1}));
+    for (const auto &[id, left] : std::vector<std::pair<int, Ids>>{{2, {3, 1}}, {3, {1}}, {1, {}}})
+    {
+        EXPECT_EQ(remove(id), 1);
+        EXPECT_EQ(remove(id), 0) << "it is gone";
+        EXPECT_EQ(idsFrom(head), left);
+    }
 }
 
 // The world of the globals, empty, in a new working directory; no key is held.
@@ -92,7 +105,8 @@ struct EmptyWorld : testing::Test
     uint8_t held[SDLK_LAST] = {};
 };
 
-// A square of flat land at height 0, of one colour, with the cube above it and the clock at 0.
+// Flat land at height 0, of one colour, 210 samples by 190, with the cube above it and the clock
+// at 0. People turn back 625 units from its middle.
 struct World : EmptyWorld
 {
     World()
@@ -101,6 +115,9 @@ struct World : EmptyWorld
         writeFile("MapTex.tga", tga(2, 210, 210, 32, {64, 128, 192, 0}, 210 * 210));
         writeFile("TexNoise.tga", tga(2, 1, 1, 24, {255, 255, 255}));
         initTerrain(&ter);
+        ter.height = 190; // images are square; code that mixes up width and height shows here
+        ter.worldDepth = 4750;
+        ter.blocksZ = 7;
         makeList(peopleLst, 0, 512, 401, 25); // buckets of 51 units
         fakeTicks = 0;
         initAnimation();

@@ -5,103 +5,135 @@ static Person personAt(int id, Vector position, Vector velocity = {0, 0, 0})
     return {id, position, velocity, 0, nullptr, 0, nullptr, 0};
 }
 
-static std::string chain(int row, int column)
+static PersonNode *&chain(int row, int column)
 {
-    std::string ids;
-    for (const PersonNode *node = *peopleLst->buckets[row * 250 + column]; node; node = node->next)
-        ids += std::to_string(node->person.id);
-    return ids;
+    return *peopleLst->buckets[row * BUCKET_COUNT + column];
 }
 
 TEST_F(World, PeopleAreFiledInTheBucketUnderThem)
 {
-    // x and z; row and column; whether the position lies outside that bucket
-    for (const auto &r : table("0 -51 125 124 0 | 50.9 -51.1 125 123 0 | 6374 6375 249 249 1 | "
-                               "-6375 -6420 0 0 0 | -6427 0 0 125 1 | 99999 -99999 249 0 1"))
+    const struct
     {
-        const Person person = personAt(7, {r[0], 0, r[1]});
-        const int row = static_cast<int>(r[2]), column = static_cast<int>(r[3]);
+        float x, z;
+        int row, column, isOutside;
+    } rows[] = {
+        {50.9f, -51.1f, 125, 123, 0},
+        {600, -6375, 136, 0, 0},
+        {6375, 0, 249, 125, 1},
+        {-99999, 6375, 0, 249, 1},
+    };
+    for (const auto &row : rows)
+    {
+        const Person person = personAt(7, {row.x, 0, row.z});
         addPerson(peopleLst, person);
-        expectNear({r[4], 1}, 0, needUpdate(person, row, column, 51),
-                   removePerson(peopleLst, person, row, column));
+        EXPECT_EQ(needUpdate(person, row.row, row.column, 51), row.isOutside) << row.x;
+        EXPECT_EQ(removePerson(peopleLst, person, row.row, row.column), 1) << row.x;
     }
+    EXPECT_EQ(peopleLst->count, 0);
     for (int id : {1, 2, 3})
         addPerson(peopleLst, personAt(id, {0, 0, 0}));
-    std::string left = chain(125, 125);
-    for (int id : {2, 3, 3, 1})
+    EXPECT_EQ(peopleLst->count, 3);
+    expectRemovals(chain(125, 125),
+                   [](int id) { return removePerson(peopleLst, personAt(id, {}), 125, 125); });
+}
+
+TEST_F(World, ViewRangeIsAsWideAsTheDrawDistanceEachWay)
+{
+    const struct
     {
-        left += removePerson(peopleLst, personAt(id, {}), 125, 125) ? " 1:" : " 0:";
-        left += chain(125, 125);
-    }
-    EXPECT_EQ(left, "321 1:31 1:1 0:1 1:");
-    // The cube's x and z; the view range
-    for (const auto &r :
-         table("0 0 26 223 26 223 | 6000 -6000 144 250 0 105 | 20000 0 419 250 26 223"))
+        float x, z;
+        ViewRange range;
+    } rows[] = {
+        {510, 5999, {36, 233, 144, 250}},
+        {6000, -6000, {144, 250, 0, 105}},
+    };
+    for (const auto &row : rows)
     {
-        cb.position = {r[0], 0, r[1]};
-        const auto [row, endRow, column, endColumn] = viewRange(peopleLst, &cb);
-        expectNear({r[2], r[3], r[4], r[5]}, 0, row, endRow, column, endColumn);
+        cb.position = {row.x, 0, row.z};
+        const auto [firstRow, endRow, firstColumn, endColumn] = viewRange(peopleLst, &cb);
+        EXPECT_EQ(Ids({firstRow, endRow}), Ids({row.range.firstRow, row.range.endRow}));
+        EXPECT_EQ(Ids({firstColumn, endColumn}), Ids({row.range.firstColumn, row.range.endColumn}));
     }
 }
 
-TEST_F(World, PeopleFleeTheCubeOrWander)
+TEST_F(World, PeopleFleeANearCubeAwayFromTheEdgesAndElseWanderAtTimes)
 {
-    const Vector places[] = {{-299, 0, 398}, {300, 0, 400}, {625, 0, 0}}; // the last in the margin
-    for (unsigned i = 0; i < 300; ++i)
+    const struct
     {
-        const bool flees = i % 3 == 0;
-        Person person = personAt(1, places[i % 3], {5, 0, 7});
-        cb.position.x = i % 3 == 2 ? 600.0f : 0;
-        cb.position.z = 0;
-        srand(i);
-        updateAI(&person, &cb, 210, 25);
-        const int next = rand();
-        srand(i);
-        const bool turns = !flees && rand() % 100 + 1 > 95; // a flight draws no number
-        const double x = flees ? -299 : 5 + (turns ? rand() % 20 - 9 : 0);
-        const double z = flees ? 398 : 7 + (turns ? rand() % 20 - 9 : 0);
-        expectNear({x, 0, z, 0}, 0, person.velocity, next - rand());
-    }
+        const char *where;
+        Vector person, cube;
+        bool flees;
+    } rows[] = {
+        {"within 500 units", {-299, 0, 398}, {0, 0, 0}, true},
+        {"500 units off", {300, 0, 400}, {0, 0, 0}, false},
+        {"at the edge along x", {625, 0, 0}, {600, 0, 0}, false},
+        {"at the edge along z", {0, 0, -625}, {-50, 0, -600}, false},
+    };
+    for (const auto &row : rows)
+        for (unsigned seed = 0; seed < 100; ++seed)
+        {
+            Person person = personAt(1, row.person, {5, 0, 7});
+            cb.position = row.cube;
+            srand(seed);
+            updateAI(&person, &cb, 210, 25);
+            const int next = rand();
+            srand(seed);
+            const bool turns = !row.flees && rand() % 100 + 1 > 95; // a flight draws no number
+            const int dx = turns ? rand() % 20 - 9 : 0, dz = turns ? rand() % 20 - 9 : 0;
+            const Vector expected = row.flees ? row.person : Vector{5.0f + dx, 0, 7.0f + dz};
+            EXPECT_TRUE(isNear(person.velocity, expected, 0)) << row.where;
+            EXPECT_EQ(next, rand()) << row.where;
+        }
 }
 
 TEST_F(World, PeopleTurnBackAtTheEdgesAndStandOnTheGround)
 {
-    for (int i = 0; i < 210 * 210; ++i) // height x + 2 z above the lowest corner
-        ter.map[i / 210][i % 210] = static_cast<float>(i / 210 * 25 + i % 210 * 50);
-    // x and z, then the velocity along them and the direction
-    for (const auto &m : table("625 -625 45 -40 -48.3665 | 626 0 -45 0 90 | -626 0 45 0 270 | 0 "
-                               "626 0 -45 0 | 626 -626 0 45 180"))
+    const struct
     {
-        Person person = personAt(1, {m[0], 0, m[1]}, {99, 0, -40});
+        float x, z;
+        Vector wish, velocity;
+        float direction; // of the drawing
+    } rows[] = {
+        {625, -625, {99, 0, -40}, {45, 0, -40}, -48.3665f}, // no faster than 45
+        {3, 5, {-99, 0, 77}, {-45, 0, 45}, 135},
+        {626, 0, {99, 0, -40}, {-45, 0, 0}, 90},
+        {-626, 0, {99, 0, -40}, {45, 0, 0}, 270},
+        {0, 626, {99, 0, -40}, {0, 0, -45}, 0},
+        {626, -626, {99, 0, -40}, {0, 0, 45}, 180}, // in a corner z rules
+    };
+    for (int i = 0; i < 210 * 190; ++i) // height x + 2 z above the lowest corner
+        ter.map[i / 190][i % 190] = static_cast<float>(i / 190 * 25 + i % 190 * 50);
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.x << ", " << row.z);
+        Person person = personAt(1, {row.x, 0, row.z}, row.wish);
         updatePersonPosition(&person, &ter, 1);
-        const float x = m[0] + m[2], y = x + 2 * m[1] + 7875; // the height at the old z
-        expectNear({m[2], 0, m[3], m[4], x, y, m[1] + m[3]}, 1e-2, person.velocity,
-                   person.direction, person.position);
+        const float x = row.x + row.velocity.x, z = row.z + row.velocity.z;
+        EXPECT_TRUE(isNear(person.velocity, row.velocity, 0));
+        EXPECT_NEAR(person.direction, row.direction, 1e-3);
+        EXPECT_TRUE(isNear(person.position, {x, x + 2 * row.z + 7375, z}, 1e-2)) << "at the old z";
     }
 }
 
-TEST_F(World, CubeCrushesWhatItsBoxCoversAndPeopleMoveOnceAStep)
+TEST_F(World, CrushedPeopleScoreAndStainTheGroundAndOthersMoveOnceAStep)
 {
-    for (const auto &r : table(
-             "49.9 99.9 -49.9 1 | 50.5 0 0 0 | -50.7 0 0 0 | 0 150 0 0 | 0 -100.5 0 0 | 0 0 50 0"))
-    {
-        Cube cube = cb;
-        const int crushed =
-            checkPersonCollision(personAt(1, {-r[0], 2000 - r[1], -4000 - r[2]}), &cube);
-        expectNear({r[3], 10 * r[3], 100 + r[3]}, 0, crushed, cube.score, cube.targetSize);
-    }
     addPerson(peopleLst, personAt(1, {50, 0, 600}, {45, 0, 0}));
+    addPerson(peopleLst, personAt(4, {0, 0, 608}, {0, 0, 45}));
     for (float x : {-3.0f, 3.0f})
-        addPerson(peopleLst, personAt(2, {x, 0, -600}));
+        addPerson(peopleLst, personAt(2, {x, 0, -550}));
     for (float x : {40000.0f, 0.0f}) // first the cube sees nobody
     {
-        EXPECT_EQ(chain(125, 136), "1");
-        cb.position = {x, 50, -600};
+        EXPECT_EQ(idsFrom(chain(125, 136)), Ids({4, 1}));
+        cb.position = {x, 99, -550};
         srand(1); // whose first draws change no course
         updatePerson(peopleLst, &cb, 1, &ter);
     }
-    ASSERT_EQ(chain(126, 136), "1");
-    expectNear({95, 1, 20, 102}, 0, (*peopleLst->buckets[126 * 250 + 136])->person.position.x,
-               peopleLst->count, cb.score, cb.targetSize);
-    EXPECT_NEAR(ter.colours[105][81][0], 0.6135, 1e-6) << "twice 70 % of the way from 0.75 to 0.6";
+    ASSERT_EQ(idsFrom(chain(126, 136)), Ids({1}));
+    EXPECT_EQ(idsFrom(chain(125, 137)), Ids({4}));
+    EXPECT_EQ(chain(126, 136)->person.position.x, 95);
+    EXPECT_EQ(peopleLst->count, 2);
+    EXPECT_EQ(cb.score, 20);
+    EXPECT_EQ(cb.targetSize, 102);
+    const Colour &stain = ter.colours[105][73]; // twice 70 % of the way from 0.75, 0.5, 0.25
+    EXPECT_TRUE(isNear({stain[0], stain[1], stain[2]}, {0.6135f, 0.045f, 0.0225f}, 1e-6));
 }

@@ -1,34 +1,40 @@
 #include "fixtures.h"
 
-static void frames(int count, int milliseconds)
-{
-    for (; count > 0; --count)
-    {
-        fakeTicks += milliseconds;
-        drawScreen();
-    }
-}
-
 TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
 {
-    // Two keys, heading, spin and speed about and along x and z; then torque in units of size times
-    // mass, and heading. Before, the torque is 10.
-    for (const auto &c : table("273 0 90 0 0 0 0 310 10 90 | 273 0 135 -2.5 5 0 0 116.066 10 135 | "
-                               "276 0 90 0 0 0 -101 10 -490 90 | 275 0 90 0 4 101 0 10 110 90 | "
-                               "276 0 90 0 0 100 -100 10 10 81 | 276 275 359 0 0 0 0 10 10 354.5 | "
-                               "274 273 90 1.5 -1.5 0 0 10 10 90 | 274 0 90 0 -1.6 0 0 0 48 90"))
+    constexpr SDLKey NONE = SDLK_UNKNOWN, UP = SDLK_UP, DOWN = SDLK_DOWN, LEFT = SDLK_LEFT,
+                     RIGHT = SDLK_RIGHT;
+    const struct
     {
+        SDLKey keys[2];
+        float heading, spinX, spinZ, speedX, speedZ;
+        Vector torque; // in units of size times mass; it was (10, 10, 10)
+        float newHeading;
+    } rows[] = {
+        {{UP, NONE}, 120, -2.5f, 1, 0, 0, {139.904f, 10, 130}, 120},
+        {{UP, NONE}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // no faster than the spin limit
+        {{LEFT, NONE}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
+        {{RIGHT, NONE}, 120, 0, 4, 101, 0, {-240, 10, 96.6025f}, 120},
+        {{RIGHT, NONE}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // not yet moving
+        {{LEFT, RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
+        {{DOWN, UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90},
+        {{DOWN, UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},
+        {{DOWN, NONE}, 90, 1.6f, 1, 0, 0, {-48, -270, -30}, 90},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << SDL_GetKeyName(row.keys[0]) << " at " << row.heading);
         std::fill_n(held, static_cast<int>(SDLK_LAST), 0);
-        held[static_cast<int>(c[0])] = held[static_cast<int>(c[1])] = 1;
+        held[row.keys[0]] = held[row.keys[1]] = 1;
         timeH = 0.1f;
-        cb.heading = c[2];
-        cb.angularVelocity = {c[3], 9, c[4]};
-        cb.velocity = {c[5], 999, c[6]};
+        cb.heading = row.heading;
+        cb.angularVelocity = {row.spinX, 9, row.spinZ};
+        cb.velocity = {row.speedX, 999, row.speedZ};
         cb.torque = {1e9f, 1e9f, 1e9f};
         handleKeyDown();
-        expectNear({c[7], c[8], c[9]}, 1e-3, cb.torque.x / 1e8f, cb.torque.z / 1e8f, cb.heading);
+        EXPECT_TRUE(isNear(vectorMultiply(cb.torque, 1e-8f), row.torque, 1e-3));
+        EXPECT_NEAR(cb.heading, row.newHeading, 1e-3);
     }
-    EXPECT_NEAR(cb.torque.y, -270e8, 1e4) << "the brake acts about y too";
 }
 
 TEST_F(World, IPrintsTheDiagnosticBlock)
@@ -36,53 +42,103 @@ TEST_F(World, IPrintsTheDiagnosticBlock)
     held[SDLK_i] = 1;
     timeH = 0.2f;
     cb.position = {1.9f, -2.9f, 3e30f};
-    cb.force = cb.torque = cb.angularMomentum = {4, 5, 6};
+    cb.velocity = {1, 2, 3};
+    cb.force = {4, 5, 6};
+    cb.torque = {7, 8, 9};
+    cb.angularMomentum = {10, 11, 12};
     testing::internal::CaptureStderr();
     handleKeyDown();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "\n-----------------------\n\nFrame Rate:  5.0\n\nDraw Distance: 5000\n"
               "\n-----------------------\n\nCube Information:\n\tPosition: (1,-2,2147483647)\n"
-              "\tVelocity: (0,0,0)\n\tForce: (4,5,6)\n\tTorque: (4,5,6)\n"
-              "\tMomentum: (0,0,1000000000)\n\tAngular Momentum: (4,5,6)\n"
+              "\tVelocity: (1,2,3)\n\tForce: (4,5,6)\n\tTorque: (7,8,9)\n"
+              "\tMomentum: (0,0,1000000000)\n\tAngular Momentum: (10,11,12)\n"
               "\nCamera Information:\n\tPosition: (-200,500,-4000)\n");
 }
 
 TEST_F(World, CameraEasesTowardsAPlaceBehindTheCube)
 {
-    // Size, game over and heading; then the goal's x and z.
-    for (const auto &c : table("200 0 90 0 -4350 | 250 1 180 1000 -4000 | 100 0 0 -300 -4000"))
+    const struct
     {
-        cb.size = c[0];
-        gameOver = static_cast<int>(c[1]);
-        cb.heading = c[2];
+        float size;
+        int over;
+        float heading;
+        Vector goal; // 600 high until the frame has seen the ground
+    } rows[] = {
+        {200, 0, 90, {0, 600, -4350}},
+        {250, 1, 180, {1000, 600, -4000}},
+        {90, 0, 30, {-259.808f, 600, -4150}},
+    };
+    for (const auto &row : rows)
+    {
+        cb.size = row.size;
+        gameOver = row.over;
+        cb.heading = row.heading;
         calcTargetView(&cam, &cb);
-        expectNear({c[3], 600, c[4]}, 1e-3, cam.target);
+        EXPECT_TRUE(isNear(cam.target, row.goal, 1e-3)) << row.heading;
     }
-    cam.position = {700, 600, -4000};
+    cam.target = {200, 700, -5000};
+    cam.position = {700, 900, -4000};
     updateCamera(&cam, 0.02f);
-    expectNear({690, 600, -4000, -500, 0, 0}, 1e-3, cam.position, cam.velocity);
+    EXPECT_TRUE(isNear(cam.velocity, {-250, -100, -500}, 1e-3));
+    EXPECT_TRUE(isNear(cam.position, {695, 898, -4010}, 1e-3));
+}
+
+// One frame after another. Returns the draw distance after them.
+static int frames(int count, int milliseconds)
+{
+    for (; count > 0; --count)
+    {
+        fakeTicks += milliseconds;
+        drawScreen();
+    }
+    return VIEW_DISTANCE;
+}
+
+TEST_F(World, FrameStepsTheCubeThenThoseAroundItThenTheCameraAndSettlesTheContact)
+{
+    frames(1, 300);
+    cam.position.z = -4000;
+    TERRAIN_DEFORMING = 0;
+    cb.position = {0, 97, 0}; // falls by 50 and stands 3 units in the ground
+    cb.momentum = {0, 0, 500 * 1e6f};
+    addPerson(peopleLst, {0, {4, 0, 260}, {0, 0, 0}, 0, nullptr, 0, nullptr, 0});
+    addTank(tankLst, {0, 20, {260, 0, 250}, 0, 0, 0, 0, 0, 0, 10, -1.3f}); // loaded at 0.7 s
+    frames(1, 500);
+    EXPECT_TRUE(isNear(cb.position, {0, 47, 250}, 1e-3));
+    EXPECT_EQ(cb.score, 10) << "who stands where the cube has come to is crushed";
+    EXPECT_EQ(cb.targetSize, 100 + 1 - 7.5) << "the shot fired in this step has struck";
+    EXPECT_TRUE(isNear(cam.target, {0, 300, -50}, 1e-3)) << "behind the cube, above the ground";
+    EXPECT_NEAR(cam.position.z, -4000 + 25 * 0.25 * 3950, 1) << "and the camera knows";
+    // For the next step: the spring and the damping of the contact, and the shot's push.
+    EXPECT_NEAR(cb.force.y / 1e6, 12 * 3 + (8 + 0.1 * 3) * 100 - 2750 * 20 / std::hypot(260, 20),
+                1);
 }
 
 TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)
 {
     fakeTicks = 1500;
     initAnimation();
-    // Length of a step in milliseconds and the draw distance after it
-    for (const auto &c :
-         table("28 5000 | 16 5005 | 0 5010 | 30 5010 | 39 5010 | 41 5005 | 846 5000"))
+    const struct
     {
-        frames(1, static_cast<int>(c[0]));
-        expectNear({c[0] / 1000, c[1]}, 1e-6, timeH, VIEW_DISTANCE);
+        int milliseconds, distance; // of a frame, and after it
+    } rows[] = {
+        {28, 5000}, {16, 5005}, {0, 5010}, // the first frames may share a millisecond
+        {30, 5010}, {39, 5010}, {41, 5005}, {846, 5000},
+    };
+    for (const auto &row : rows)
+    {
+        EXPECT_EQ(frames(1, row.milliseconds), row.distance);
+        EXPECT_NEAR(timeH * 1000, row.milliseconds, 1e-3);
     }
     frames(15, 125); // an eighth of a second adds up exactly
     EXPECT_EQ(SHADOW, 1);
     frames(1, 125);
-    expectNear({2, 0}, 0, shadowSwitchTime, SHADOW);
-    frames(450, 125);
-    EXPECT_EQ(VIEW_DISTANCE, 3000) << "the floor in play";
+    EXPECT_EQ(shadowSwitchTime, 2);
+    EXPECT_EQ(SHADOW, 0);
+    EXPECT_EQ(frames(450, 125), 3000) << "the floor in play";
     gameOver = 1;
-    frames(5, 125);
-    EXPECT_EQ(VIEW_DISTANCE, 4500) << "the floor after game over";
-    frames(102, 10);
-    expectNear({5010, 0}, 0, VIEW_DISTANCE, SHADOW);
+    EXPECT_EQ(frames(5, 125), 4500) << "the floor after game over";
+    EXPECT_EQ(frames(102, 10), 5010);
+    EXPECT_EQ(SHADOW, 0) << "for good";
 }

@@ -8,75 +8,112 @@ static Tank tankAt(int id, Vector position, float speed = 100)
 TEST_F(World, TanksAreScatteredFromTheLastMadeToTheFirst)
 {
     writeFile("TexTank.tga", tga(2, 1, 1, 24, {9, 9, 9}));
-    expectNear({0, 1}, 0, makeTankList(nullptr, 9), makeTankList(tankLst, 1500));
+    EXPECT_EQ(makeTankList(nullptr, 9), 0);
+    ASSERT_EQ(makeTankList(tankLst, 4), 1);
     srand(5);
     randomTankPlacement(tankLst, 512, 400, 25);
     srand(5);
-    int id = 1500;
+    EXPECT_EQ(idsFrom(tankLst->head), Ids({3, 2, 1, 0}));
     for (const TankNode *node = tankLst->head; node; node = node->next)
     {
-        const double x = rand() % 12800 - 7680, z = rand() % 10000 - 6000, goal = rand() % 360;
-        expectNear({--id * 1.0, x, 50, z, goal}, 1e-3, node->tank.id, node->tank.position,
-                   node->tank.targetHeading);
+        const int x = rand() % 12800 - 7680, z = rand() % 10000 - 6000, goal = rand() % 360;
+        EXPECT_TRUE(isNear(node->tank.position, {float(x), 50, float(z)}, 1e-3));
+        EXPECT_EQ(node->tank.targetHeading, goal);
+        EXPECT_EQ(node->tank.scale, 10);
     }
-    EXPECT_EQ(id, 0);
-    for (int gone : {1499, 700, 0, 700})
-        EXPECT_EQ(removeTank(tankLst, tankAt(gone, {})), gone != 700 || id++ == 0);
+    removeTank(tankLst, tankAt(0, {}));
+    expectRemovals(tankLst->head, [](int id) { return removeTank(tankLst, tankAt(id, {})); });
 }
 
-TEST_F(World, TanksEaseTowardsTheirGoalsAndDriveAlongTheirHeading)
+TEST_F(World, TanksEaseTowardsTheirGoalsDriveAlongTheirHeadingAndMindTheEdges)
 {
-    Tank tank = tankAt(0, {0, 0, 0});
-    tank.targetHeading = 100;
-    tank.targetSpeed = 0;
-    updateTankPosition(&tank, 0.02f, 210, 25);
-    expectNear({0.4, 99.4}, 1e-5, tank.heading, tank.speed);
-    // x, z and heading; then the way in an eighth of a second and the goal set at the edges
-    for (const auto &d : table("625 625 0 12.5 0 0 | 0 0 90 0 -12.5 90 | -626 0 180 -12.5 0 0 | "
-                               "626 0 270 0 12.5 180 | 0 626 0 12.5 0 270 | 626 -626 0 12.5 0 90"))
+    const struct
     {
-        tank = tankAt(0, {d[0], 0, d[1]});
-        tank.heading = tank.targetHeading = d[2];
+        float x, z, heading, targetHeading, speed, targetSpeed;
+        Vector way; // of an eighth of a second
+        float newHeading, newSpeed, newTarget;
+    } rows[] = {
+        {3, 5, 30, 30, 100, 100, {10.8253f, 0, -6.25f}, 30, 100, 30},
+        {0, 0, 28.125f, 40.125f, 100, 36, {9.2015f, 0, -5.3125f}, 30, 85, 40.125f},
+        {625, 625, 0, 0, 100, 100, {12.5f, 0, 0}, 0, 100, 0},
+        {-626, 0, 180, 180, 100, 100, {-12.5f, 0, 0}, 180, 100, 0},
+        {626, 0, 270, 270, 100, 100, {0, 0, 12.5f}, 270, 100, 180},
+        {0, 626, 0, 0, 100, 100, {12.5f, 0, 0}, 0, 100, 270},
+        {626, -626, 0, 0, 100, 100, {12.5f, 0, 0}, 0, 100, 90}, // in a corner z rules
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.x << ", " << row.z);
+        Tank tank = tankAt(0, {row.x, 0, row.z}, row.speed);
+        tank.heading = row.heading;
+        tank.targetHeading = row.targetHeading;
+        tank.targetSpeed = row.targetSpeed;
         updateTankPosition(&tank, 0.125f, 210, 25);
-        expectNear({d[0] + d[3], 0, d[1] + d[4], d[5], 7}, 1e-4, tank.position, tank.targetHeading,
-                   tank.wanderDistance);
+        EXPECT_TRUE(isNear(tank.position, vectorAdd({row.x, 0, row.z}, row.way), 1e-3));
+        EXPECT_NEAR(tank.heading, row.newHeading, 1e-4);
+        EXPECT_NEAR(tank.speed, row.newSpeed, 1e-4);
+        EXPECT_EQ(tank.targetHeading, row.newTarget);
+        EXPECT_EQ(tank.wanderDistance, static_cast<int>(20 - row.newSpeed / 8));
     }
 }
 
-TEST_F(World, TanksWithinRangeStopFaceTheCubeAndFire)
+TEST_F(World, TanksOutOfRangeStartANewLegWhenTheLastIsDone)
 {
-    cb.position = {0, 300, 0};
-    Tank tank = tankAt(0, {300, 20, -400}); // 500 units off: out of range
-    tank.wanderDistance = 0;
-    srand(3);
-    updateTankAI(&tank, &cb, shotLst, 9);
-    srand(3);
-    const double leg = rand() % 2000 + 500, goal = rand() % 360 - 180;
-    expectNear({leg, goal}, 0, tank.wanderDistance, tank.targetHeading);
-    tank.position.x = 299;
-    for (const auto &[time, shots] :
-         std::vector<std::pair<float, int>>{{2, 0}, {2.01f, 1}, {4, 1}, {4.02f, 2}})
+    for (unsigned seed = 0; seed < 9; ++seed)
     {
-        updateTankAI(&tank, &cb, shotLst, time);
-        EXPECT_EQ(shotLst->nextId, shots) << time;
+        Tank tank = tankAt(0, vectorAdd(cb.position, {300, 0, -400}), 33); // 500 units off
+        updateTankAI(&tank, &cb, shotLst, 9);
+        EXPECT_EQ(tank.targetSpeed, 33);
+        tank.wanderDistance = 0;
+        srand(seed);
+        updateTankAI(&tank, &cb, shotLst, 9);
+        srand(seed);
+        EXPECT_EQ(tank.wanderDistance, rand() % 2000 + 500);
+        EXPECT_EQ(tank.targetHeading, rand() % 360 - 180);
+        EXPECT_EQ(tank.targetSpeed, 100);
     }
-    const Shot *shot = shotLst->head;
-    expectNear({0, -1, 180 - 306.7777}, 1e-3, tank.targetSpeed, tank.wanderDistance,
-               tank.targetHeading);
-    expectNear({309, 53, -400, -299, 80, 400, 233}, 0, shot->position, shot->velocity,
-               shot->heading);
-    gameOver = 1;
-    updateTankAI(&tank, &cb, shotLst, 99);
-    expectNear({100, 2}, 0, tank.targetSpeed, shotLst->nextId);
+    EXPECT_EQ(shotLst->head, nullptr);
 }
 
-TEST_F(World, CrushedTanksScoreAndTheNextOneStillMoves)
+TEST_F(World, TanksWithinRangeStopFaceTheCubeAndFireEveryTwoSeconds)
+{
+    const struct
+    {
+        float time; // seconds since start-up
+        int over, shots;
+    } rows[] = {
+        {2, 0, 0}, // not yet more than two
+        {2.01f, 0, 1}, {4, 0, 1}, {4.02f, 0, 2}, {9, 1, 2},
+    };
+    cb.position = {10, 300, 30};
+    Tank tank = tankAt(0, {309, 20, -370});
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(row.time);
+        gameOver = row.over;
+        updateTankAI(&tank, &cb, shotLst, row.time);
+        EXPECT_EQ(shotLst->nextId, row.shots);
+        EXPECT_EQ(tank.targetSpeed, row.over ? 100 : 0);
+        EXPECT_EQ(tank.wanderDistance == -1, row.over == 0);
+        EXPECT_TRUE(row.over || std::fabs(tank.targetHeading - (180 - 306.7777)) < 1e-3);
+    }
+    EXPECT_TRUE(isNear(shotLst->head->position, {319, 53, -370}, 0));
+    EXPECT_TRUE(isNear(shotLst->head->velocity, {-299, 80, 400}, 0));
+    EXPECT_EQ(shotLst->head->heading, 233);
+}
+
+TEST_F(World, CrushedTanksScoreBlowACraterKickTheCubeAndTheNextOneStillMoves)
 {
     addTank(tankLst, tankAt(1, {900, 0, 0}));
-    addTank(tankLst, tankAt(2, {20, 0, 0}, 0));
+    addTank(tankLst, tankAt(2, {20, 0, -25}, 0));
     cb.position = {0, 99.9f, 0};
     updateTank(tankLst, &cb, 0.125f, &ter, shotLst, 1);
-    const Tank &left = tankLst->head->tank;
-    expectNear({50, 110, 3e9, 6, -10, 1, 912.5}, 1e-2, cb.score, cb.targetSize, cb.force.y,
-               cb.torque.z / 1e10f, ter.map[106][105], left.id, left.position.x);
+    EXPECT_EQ(cb.score, 50);
+    EXPECT_EQ(cb.targetSize, 110);
+    EXPECT_TRUE(isNear(vectorMultiply(cb.force, 1e-6f), {0, 3000, 0}, 1e-2));
+    EXPECT_TRUE(isNear(vectorMultiply(cb.torque, 1e-6f), {75000, 0, 60000}, 1));
+    EXPECT_EQ(ter.map[106][94], -10);
+    EXPECT_EQ(ter.map[106][95], -7.5);
+    ASSERT_EQ(idsFrom(tankLst->head), Ids({1}));
+    EXPECT_EQ(tankLst->head->tank.position.x, 912.5);
 }

@@ -1,6 +1,65 @@
 #include "fixtures.h"
 
-#include <cmath>
+TEST_F(World, LandIsBuiltFromItsImages)
+{
+    constexpr int SIDE = 25; // the least
+    Bytes heights = tga(2, SIDE, SIDE, 32, {}), colours = tga(2, SIDE, SIDE, 24, {});
+    for (int x = 0; x < SIDE; ++x) // rows run along x
+        for (int z = 0; z < SIDE; ++z)
+        {
+            const uint8_t level = uint8_t(x * x * 3 + z * 8 + x * z);
+            heights.insert(heights.end(), {1, 2, 3, level}); // the last byte
+            colours.insert(colours.end(), {uint8_t(100 + z), uint8_t(x), level});
+            ter.map[x][z] = level / 256.0f * 600;
+        }
+    writeFile("Map.tga", heights);
+    writeFile("MapTex.tga", colours);
+    Terrain built = {};
+    ASSERT_EQ(initTerrain(&built), 1);
+    for (int x = 0; x < SIDE; ++x)
+        for (int z = 0; z < SIDE; ++z)
+        {
+            const Colour &colour = built.colours[x][z];
+            const Vector expected = {ter.map[x][z] / 600, x / 256.0f, (100 + z) / 256.0f};
+            ASSERT_TRUE(isNear({colour[0], colour[1], colour[2]}, expected, 1e-6));
+        }
+    for (int sweep = 0; sweep < 3; ++sweep)
+        smoothSelectedArea(&ter, 0, SIDE, 0, SIDE);
+    for (int x = 0; x < SIDE; ++x)
+        for (int z = 0; z < SIDE; ++z)
+        {
+            ASSERT_EQ(built.map[x][z], ter.map[x][z]) << x << ", " << z;
+            const int i = std::min(x, SIDE - 2), j = std::min(z, SIDE - 2); // the edges copy
+            float **h = built.map;
+            const Vector up = {h[i][j + 1] - h[i + 1][j + 1], 25, h[i][j] - h[i][j + 1]};
+            ASSERT_TRUE(isNear(built.normals[x][z], normalizeVector(up), 1e-5)) << x << ", " << z;
+        }
+    deleteTerrain(&built);
+}
+
+TEST_F(World, SmoothingSpreadsASpikeByHalvesMostFromTheFirstEdges)
+{
+    const struct
+    {
+        int x, z;
+        float share; // that stays at the spike, along each axis: 2/3 at first, 1/3, 1/2 at last
+    } rows[] = {
+        {105, 95, 1 / 9.0f},
+        {0, 189, 1 / 3.0f},
+        {209, 95, 1 / 6.0f},
+        {0, 0, 4 / 9.0f},
+    };
+    for (const auto &row : rows)
+    {
+        ter.map[row.x][row.z] = 900;
+        smoothTerrain(&ter);
+        for (int x = 0; x < 210; ++x)
+            for (int z = 0; z < 190; ++z)
+                ASSERT_NEAR(std::exchange(ter.map[x][z], 0),
+                            std::ldexp(900 * row.share, -abs(x - row.x) - abs(z - row.z)), 1e-3)
+                    << x << ", " << z;
+    }
+}
 
 TEST_F(World, BlockHeightsHoldEverySampleThatABlockShowsAlsoAfterCraters)
 {
@@ -20,92 +79,118 @@ TEST_F(World, BlockHeightsHoldEverySampleThatABlockShowsAlsoAfterCraters)
 
 TEST_F(World, PointsOfTheWorldMapToSamplesAndHeights)
 {
-    ter.map[106][105] = 10;
-    ter.map[106][106] = 20;
-    ter.map[105][106] = 999; // the corner that is never read
-    ter.map[0][105] = ter.map[209][105] = 77;
-    // x and z, the nearest sample, the height
-    for (const auto &r :
-         table("12.4 6.2 105 105 7.44 | 12.6 -12.6 106 104 4.96 | 0.5 24 105 106 9.8 | "
-               "25 25 106 106 20 | -2625 0 0 105 0 | -2624 0 0 105 73.92 | nan inf 0 209 0 | "
-               "2600 0 209 105 0 | 2599 0 209 105 73.92 | 9e9 -9999 209 0 0"))
-        expectNear({r[2], r[3], r[4]}, 1e-3, worldToTerrainX(&ter, r[0]),
-                   worldToTerrainZ(&ter, r[1]), getHeightAt(&ter, r[0], r[1]));
-}
+    ter.map[106][95] = 10;
+    ter.map[106][96] = 20;
+    ter.map[105][96] = 999; // the corner that is never read
+    ter.map[0][95] = ter.map[209][95] = ter.map[105][0] = ter.map[105][189] = 77;
+    const struct
+    {
+        float x, z;
+        int sampleX, sampleZ;
+        float height;
+    } rows[] = {
+        {12.4f, 6.2f, 105, 95, 7.44f}, {12.6f, -12.6f, 106, 94, 4.96f},
+        {0.5f, 24, 105, 96, 9.8f}, // the plane of the other half
 
-TEST_F(World, SmoothingSpreadsASpikeEvenly)
-{
-    ter.map[105][105] = 900;
-    smoothTerrain(&ter); // far from the edges, v becomes v / 9 / 2^(|i| + |j|)
-    for (int i = -5; i <= 5; ++i)
-        for (int j = -5; j <= 5; ++j)
-            EXPECT_NEAR(ter.map[105 + i][105 + j], std::ldexp(100, -abs(i) - abs(j)), 1e-3);
-}
-
-TEST_F(World, NormalsLeanAwayFromRisingGroundUpToTheFarEdges)
-{
-    ter.map[208][208] = 18.75f; // three quarters of the spacing
-    computeTerrainNormals(&ter);
-    Vector **n = ter.normals + 207;
-    const double a = 0.514496, b = 0.685994; // 3/4 and 1 by the root of 17/8
-    expectNear({-.6, .8, 0, 0, 1, 0, 0, 1, 0}, 1e-6, n[0][207], n[0][208], n[0][209]);
-    expectNear({a, b, -a, 0, .8, .6, 0, .8, .6}, 1e-6, n[1][207], n[1][208], n[1][209]);
-    expectNear({a, b, -a, 0, .8, .6, 0, .8, .6}, 1e-6, n[2][207], n[2][208], n[2][209]);
+        {-2625, 0, 0, 95, 0},          {-2624, 0, 0, 95, 73.92f},
+        {2600, 0, 209, 95, 0},         {0, -2375, 105, 0, 0},
+        {0, 2350, 105, 189, 0},        {0, 2349, 105, 189, 0},
+        {-1, 2349, 105, 189, 73.92f},  {9e9f, -9999, 209, 0, 0},
+        {NAN, INFINITY, 0, 189, 0},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.x << ", " << row.z);
+        EXPECT_EQ(worldToTerrainX(&ter, row.x), row.sampleX);
+        EXPECT_EQ(worldToTerrainZ(&ter, row.z), row.sampleZ);
+        EXPECT_NEAR(getHeightAt(&ter, row.x, row.z), row.height, 1e-3);
+    }
 }
 
 TEST_F(World, DentsAndCratersHaveTheirFootprints)
 {
-    // Mode, v, strength, reach and box of new normals in samples; depths by |i| + |j|
-    int centre = -6;
-    for (const auto &r :
-         table("0 -50 1 -1 0 0 | 0 -75 1.5 0 -1 0 0.6 | 0 -499 9.98 0 -5 4 3.992 | "
-               "0 -500 10 1 -5 5 4 4 4 | 0 -2000 20 2 -10 10 8 8 8 8 8 | 1 0 1 -1 0 0 | "
-               "1 8 16 1 -8 8 8 5.5 3 | 1 90 20 2 -10 10 10 7.5 5 2.5 0 | 2 90 1 -1 0 0"))
+    const struct
     {
-        centre += 21;
-        for (int i = 0; i < 210 * 210; ++i)
-            ter.normals[i / 210][i % 210] = {9, 9, 9};
-        const float where = static_cast<float>(centre * 25 - 2625);
-        deformTerrain(&ter, {where + 12, -777, where - 12}, r[1], static_cast<int>(r[0]));
+        int mode;
+        float v, strength;
+        int reach, normalsFrom, normalsTo; // samples from the centre
+        float depth[5];                    // at |i| + |j| samples from the centre
+    } rows[] = {
+        {DEFORM_DENT, -50, 0, -1, 0, 0, {}},
+        {DEFORM_DENT, -75, 1.5f, 0, -1, 0, {0.6f}},
+        {DEFORM_DENT, -500, 10, 1, -5, 5, {4, 4, 4}},
+        {DEFORM_DENT, -2000, 20, 2, -10, 10, {8, 8, 8, 8, 8}},
+        {DEFORM_CRATER, 0, 0, -1, 0, 0, {}},
+        {DEFORM_CRATER, 8, 16, 1, -8, 8, {8, 5.5f, 3}},
+        {DEFORM_CRATER, 90, 20, 2, -10, 10, {10, 7.5f, 5, 2.5f, 0}},
+        {2, 90, 0, -1, 0, 0, {}},
+    };
+    int centreX = -6;
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << "mode " << row.mode << ", v " << row.v);
+        centreX += 21;
+        const int centreZ = 194 - centreX;
+        for (int i = 0; i < 210 * 190; ++i)
+            ter.normals[i / 190][i % 190] = {9, 9, 9};
+        const Vector where = {centreX * 25 - 2625 + 12.0f, -777, centreZ * 25 - 2375 - 12.0f};
+        deformTerrain(&ter, where, row.v, row.mode);
         for (int k = 0; k < 21 * 21; ++k)
         {
-            const int i = k / 21 - 10, j = k % 21 - 10, x = centre + i, z = centre + j;
-            const double depth = std::max(abs(i), abs(j)) <= r[3] ? r[6 + abs(i) + abs(j)] : 0;
-            const double colour = r[0] == 1 ? 0.5 - 0.5 * depth / r[2] : 0.5;
-            expectNear({-depth, colour}, 1e-5, ter.map[x][z], ter.colours[x][z][1]);
-            EXPECT_EQ(ter.normals[x][z].y != 9, r[4] <= std::min(i, j) && std::max(i, j) < r[5]);
+            const int i = k / 21 - 10, j = k % 21 - 10, x = centreX + i, z = centreZ + j;
+            const bool digs = std::max(abs(i), abs(j)) <= row.reach;
+            const float depth = digs ? row.depth[abs(i) + abs(j)] : 0;
+            const float soot = row.mode == DEFORM_CRATER && digs ? depth / row.strength : 0;
+            ASSERT_NEAR(ter.map[x][z], -depth, 1e-5) << i << ", " << j;
+            ASSERT_NEAR(ter.colours[x][z][1], 0.5 - 0.5 * soot, 1e-5) << i << ", " << j;
+            const bool isNew = row.normalsFrom <= std::min(i, j) && std::max(i, j) < row.normalsTo;
+            ASSERT_EQ(ter.normals[x][z].y != 9, isNew) << i << ", " << j;
         }
     }
-    deformTerrain(&ter, {INFINITY, 0, 99999}, -2000, DEFORM_DENT);
-    expectNear({-8, 0, 0.304776, 0.952424, 0}, 1e-6, ter.map[207][207], ter.map[206][209],
-               ter.normals[206][206]);
+    deformTerrain(&ter, {INFINITY, 0, 99999}, -2000, DEFORM_DENT); // past the last corner
+    EXPECT_EQ(ter.map[207][187], -8);
+    EXPECT_EQ(ter.map[206][189], 0);
 }
 
-static std::string takeMarks()
+// The blocks that are to be compiled anew, as 10 bx + bz; they are then marked no longer.
+static Ids takeMarks()
 {
-    std::string blocks;
-    for (int b = 0; b < 64; ++b)
+    Ids blocks;
+    for (int b = 0; b < 8 * 8; ++b) // there is room for one more along z
         if (std::exchange(ter.displayLists[b / 8][b % 8], 0) == DIRTY_LIST)
-            blocks += std::to_string(b / 8) + std::to_string(b % 8) + ' ';
+            blocks.push_back(b / 8 * 10 + b % 8);
     return blocks;
 }
 
-TEST_F(World, ChangesMarkTheBlocksNearThemUntilTheyAreDrawn)
+TEST_F(World, ChangesMarkTheBlocksWithinFiveSamplesOfThemUntilTheyAreDrawn)
 {
-    std::string marks;
-    for (const auto &r : table("24 24 | 3 3 | 27 12 | 12 45 | 209 12 | 202 12"))
+    const struct
     {
-        terrainFlagDLDirty(&ter, static_cast<int>(r[0]), static_cast<int>(r[1]));
-        marks += takeMarks() + "| ";
+        int x, z;
+        Ids blocks;
+    } rows[] = {
+        {24, 24, {0, 1, 10}}, {19, 62, {2}}, // six from the next
+        {20, 69, {2, 12}},    {62, 20, {20, 21}}, {29, 62, {2, 12}}, {30, 62, {12}},
+        {62, 29, {20, 21}},   {202, 12, {70}},    {62, 179, {26}},   {62, 180, {}},
+    };
+    for (const auto &row : rows)
+    {
+        terrainFlagDLDirty(&ter, row.x, row.z);
+        EXPECT_EQ(takeMarks(), row.blocks) << row.x << ", " << row.z;
     }
-    EXPECT_EQ(marks, "00 01 10 | 00 | 00 10 | 01 02 | | 70 | ");
-    colourTerrain(&ter, {12, 999, 99999}, 0.6f, 0, 0, 0.7f);
-    const Colour &stained = ter.colours[105][209]; // it was 0.75, 0.5, 0.25
-    expectNear({0.645, 0.15, 0.075}, 1e-6, stained[0], stained[1], stained[2]);
-    for (int i = 112; i < 210; i += 25)
-        for (int j = 37; j < 210; j += 25)
-            terrainFlagDLDirty(&ter, i, j);
+    for (int block = 0; block < 8 * 7; ++block)
+        ter.displayLists[block / 7][block % 7] = DIRTY_LIST;
     drawTerrain(&ter, 0, 0, 0);
-    drawTerrain(&ter, 2600, 0, 2000); // blocks 6 and 7 along x, 2 to 4 along z
-    EXPECT_EQ(takeMarks(), "41 42 43 44 45 46 47 51 52 53 54 55 56 57 61 65 66 67 71 75 76 77 ");
+    drawTerrain(&ter, 2600, -500, 2000); // blocks 6 and 7 along x, 1 to 3 along z
+    const Ids marks = takeMarks();
+    EXPECT_EQ(marks.size(), 8 * 7u - 2 * 3);
+    EXPECT_EQ(std::count(marks.begin(), marks.end(), 73), 0);
+}
+
+TEST_F(World, StainsBlendTheNearestSamplesColourAndMarkItsBlock)
+{
+    colourTerrain(&ter, {-588, 999, 885}, 0.6f, 0.2f, 0.1f, 0.7f);
+    const Colour &stained = ter.colours[81][130]; // it was 0.75, 0.5, 0.25
+    EXPECT_TRUE(isNear({stained[0], stained[1], stained[2]}, {0.645f, 0.29f, 0.145f}, 1e-6));
+    EXPECT_EQ(takeMarks(), Ids({35}));
 }

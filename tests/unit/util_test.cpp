@@ -1,51 +1,116 @@
 #include "fixtures.h"
 
-#include <cmath>
-
 TEST(Util, ScalarsHaveTheirClosedForms)
 {
-    constexpr double LAST = 2147483647;
-    expectNear({2, -2, LAST, -LAST - 1, LAST, -LAST - 1, 0}, 0, truncateToInt(2.9),
-               truncateToInt(-2.9), truncateToInt(3e9), truncateToInt(-3e9),
-               truncateToInt(INFINITY), truncateToInt(-INFINITY), truncateToInt(NAN));
-    expectNear({3, 2.5, PI, 90, 1, 0, PI}, 1e-5, mod(-3), mod(2.5f), decToRad(180),
-               radToDec(PI / 2), pithag(3e30f, -4e30f) / 5e30f, clampedAcos(1.1),
-               clampedAcos(-1.1));
+    const struct
+    {
+        const char *what;
+        double actual, expected;
+    } rows[] = {
+        {"whole part below 0", 1.0 * truncateToInt(-2.9), -2},
+        {"too large", 1.0 * truncateToInt(3e9), 2147483647.0},
+        {"too small", 1.0 * truncateToInt(-INFINITY), -2147483648.0},
+        {"not a number", 1.0 * truncateToInt(NAN), 0},
+        {"radians", decToRad(90), PI / 2},
+        {"degrees", radToDec(PI), 180},
+        {"hypotenuse beyond float's squares", pithag(3e30f, -4e30f) / 5e30, 1},
+        {"angle of a cosine rounded past 1", clampedAcos(1.1), 0},
+        {"angle of a cosine rounded past -1", clampedAcos(-1.1), PI},
+    };
+    for (const auto &row : rows)
+        EXPECT_NEAR(row.actual, row.expected, 1e-5) << row.what;
 }
 
-TEST(Util, VectorsKeepTheirZeroCasesAndRoundOnce)
+TEST(Util, VectorsFollowTheirFormulasAndRoundOnce)
 {
-    Vector q = {5, 77, 5};
-    findYvalue({0, 0, 0}, {10, 10, 0}, {0, 0, 10}, &q);
-    expectNear({5, 5, 5, 0, 0, 0}, 0, q, normalizeVector({}));
-    expectNear({0, -1, 0, .6, 0, .8}, 1e-7, normal({}, {1, 0, 0}, {0, 0, 1}),
-               normalizeVector({3, 0, 4}));
-    expectNear({-3, 6, -3}, 0, vectorCrossProduct({1, 2, 3}, {4, 5, 6}));
+    EXPECT_TRUE(isNear(vectorCrossProduct({1, 2, 4}, {3, 5, 9}), {-2, 3, -1}, 0));
+    EXPECT_EQ(vectorDotProduct({1, 2, 3}, {5, 7, 11}), 52);
     EXPECT_EQ(vectorDotProduct({1e8f, 1, -1e8f}, {1, 1, 1}), 1);
+    EXPECT_TRUE(isNear(normalizeVector({0, 0, 0}), {0, 0, 0}, // nowhere
+                       0));
+    const Vector plane[] = {{1, 10, 3}, {1, 9, 5}, {4, 8, 5}}; // 2 x + 6 y + 3 z = 71
+    const Vector up = normal(plane[0], plane[1], plane[2]);
+    EXPECT_TRUE(isNear(vectorMultiply(up, 7), {2, 6, 3}, 1e-6));
+    Vector q = {2.5f, 77, 1};
+    findYvalue(plane[0], plane[1], plane[2], &q);
+    EXPECT_TRUE(isNear(q, {2.5f, 10.5f, 1}, 1e-6));
 }
 
 TEST(Util, HeadingsRunFromXTowardsZ)
 {
-    for (const auto &r :
-         table("0 0 0 | 1 0 0 | 1 1 45 | 0 1 90 | -1 1 135 | -1 0 180 | 0 -1 270 | 1 -1 315"))
-        EXPECT_NEAR(findDirection({5, 0, 9}, {5 + r[0], 7, 9 + r[1]}), r[2], 3e-5);
+    const struct
+    {
+        float dx, dz, degrees;
+    } rows[] = {
+        {0, 0, 0}, {4, 3, 36.8699f}, {-3, 4, 126.8699f}, {-4, -3, 216.8699f}, {3, -4, 306.8699f},
+    };
+    for (const auto &row : rows)
+        EXPECT_NEAR(findDirection({5, 0, 9}, {5 + row.dx, 7, 9 + row.dz}), row.degrees, 1e-4);
 }
 
-TEST(Util, QuaternionsTurnAsTheirAngleAndAxisSay)
+TEST(Util, QuaternionsAndMatricesTurnAlikeAboutEveryAxis)
+{
+    const struct
+    {
+        Vector axis; // of any length
+        float degrees;
+        Vector point, turned;
+    } rows[] = {
+        {{1, 0, 0}, 90, {1, 2, 3}, {1, -3, 2}},
+        {{0, 1, 0}, 90, {1, 2, 3}, {3, 2, -1}},
+        {{0, 0, 1}, 90, {1, 2, 3}, {-2, 1, 3}},
+        {{2, 2, 2}, 120, {1, 2, 3}, {3, 1, 2}},
+        // a slant, 7 long
+        {{2, -3, 6}, 90, {49, 0, 0}, {4, 36, 33}},
+        {{3, 5, 7}, 0, {1, 2, 3}, {1, 2, 3}},
+    };
+    for (const auto &row : rows)
+    {
+        SCOPED_TRACE(testing::Message() << row.degrees << " degrees about " << row.axis);
+        const float radians = decToRad(row.degrees);
+        const Vector unit = normalizeVector(row.axis);
+        const Vector part = vectorMultiply(unit, std::sin(radians / 2));
+        const Quaternion q = {std::cos(radians / 2), part.x, part.y, part.z};
+        Matrix byQuaternion, byAxis;
+        quaternionToMatrix(q, byQuaternion);
+        matrixRotate(byAxis, radians, row.axis);
+        EXPECT_TRUE(isNear(matrixVectorMultiply(byQuaternion, row.point), row.turned, 1e-4));
+        EXPECT_TRUE(isNear(matrixVectorMultiply(byAxis, row.point), row.turned, 1e-4));
+        float angle;
+        Vector axis;
+        quaternionGetAngleAxis(q, &angle, &axis);
+        EXPECT_NEAR(angle, radians, 1e-6);
+        EXPECT_TRUE(isNear(axis, radians > 0 ? unit : Vector{1, 0, 0}, 1e-6));
+    }
+}
+
+TEST(Util, QuaternionsMultiplyAndNeverLoseTheirLength)
 {
     const Quaternion p = quaternionMultiplyQuaternion({1, 2, 3, 4}, {5, 6, 7, 8});
-    expectNear({-60, 12, 30, 24, 1}, 0, p.w, p.x, p.y, p.z, normalize({}).w);
-    float angle, none;
-    Vector axis, anyAxis;
-    Matrix m, n;
-    quaternionGetAngleAxis({0.3f, 0, 0, 0}, &none, &anyAxis);
-    const Quaternion turn = normalize({1, 0, 1, 0}); // +x towards -z
-    quaternionToMatrix(turn, m);
-    quaternionGetAngleAxis(turn, &angle, &axis);
-    matrixRotate(n, angle, vectorMultiply(axis, 2));
-    expectNear({3, 2, -1, 3, 2, -1, 0, 1, 0, 0}, 1e-6, matrixVectorMultiply(m, {1, 2, 3}),
-               matrixVectorMultiply(n, {1, 2, 3}), none, anyAxis);
-    matrixTranslate(m, 1, 2, 3);
-    matrixMultiply(m, m, n);
-    expectNear({2, 4, 6, 0}, 0, n[12], n[13], n[14], n[3]); // by columns
+    EXPECT_EQ(p.w, -60);
+    EXPECT_TRUE(isNear({p.x, p.y, p.z}, {12, 30, 24}, 0));
+    EXPECT_EQ(normalize({0, 0, 0, 0}).w, 1);
+}
+
+TEST(Util, OpenGLTakesMatricesColumnByColumn)
+{
+    const Vector place = {-2, 1, 3};
+    const Matrix3 quarterAboutZ = {0, -1, 0, 1, 0, 0, 0, 0, 1};
+    Matrix turn, move, product, rigid;
+    matrixRotate(turn, decToRad(90), {0, 0, 1});
+    matrixTranslate(move, 1, 2, 3); // which the turn takes to the place
+    matrixMultiply(turn, move, product);
+    createOpenGLTransform(quarterAboutZ, &place, rigid);
+    const Matrix expected = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, -2, 1, 3, 1};
+    Matrix3 star, transposed;
+    createStarMatrix(star, {1, 2, 4});
+    matrixTranspose(star, transposed);
+    EXPECT_EQ(std::vector<float>(star, star + 9),
+              std::vector<float>({0, -4, 2, 4, 0, -1, -2, 1, 0}));
+    for (int i = 0; i < 16; ++i)
+    {
+        EXPECT_NEAR(product[i], expected[i], 1e-6) << i;
+        EXPECT_EQ(rigid[i], expected[i]) << i;
+        EXPECT_EQ(transposed[i % 9], -star[i % 9]) << i;
+    }
 }

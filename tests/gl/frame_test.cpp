@@ -1,0 +1,358 @@
+// Whole frames of a hilly land with a person, a tank, shots, a tilted cube and its shadow, drawn by
+// drawScreen while time stands still, and compared with each other and with the laws of OpenGL.
+#include "scene.h"
+
+namespace
+{
+enum Thing // what a frame shows besides the land, the sky and the cube; to be added up
+{
+    PERSON = 1,
+    TANK = 2,
+    SHOT = 4,
+    SHADE = 8,
+    HIDDEN = 16 // a shot behind the cube
+};
+
+struct Spot // of a surface that is lit
+{
+    std::string name;
+    Vector at, normal, colour, texel; // colours from 0 to 1
+    float shininess;
+};
+
+struct Box // in pixels
+{
+    float left = WIDTH, bottom = HEIGHT, right = 0, top = 0;
+
+    void add(Vector pixel)
+    {
+        left = std::min(left, pixel.x), right = std::max(right, pixel.x);
+        bottom = std::min(bottom, pixel.y), top = std::max(top, pixel.y);
+    }
+    bool has(float x, float y) const
+    {
+        return left <= x && x <= right && bottom <= y && y <= top;
+    }
+};
+
+struct Frame : Scene
+{
+    void SetUp() override
+    {
+        Scene::SetUp();
+        writeImage("TexNoise.tga", 32, 32, 3, [](int x, int y) { return groundTexel(x, y); });
+        build(256, level, colour);
+        cube = {100, getHeightAt(&ter, 100, -150) + 250, -150};
+        addPerson(peopleLst, {1, vectorAdd(cube, {150, 0, -40}), {}, 0, nullptr, 0, nullptr, 0});
+        cell = peopleLst->buckets[135 * BUCKET_COUNT + 117];
+        addTank(tankLst, {1, 20, vectorAdd(cube, {-170, 0, 60}), 0, 0, 0, 30, 30, 0, 10, 1e9f});
+        addShot(shotLst, {0, off(cube, eye, -0.15f), {0, 0, 0}, 70, nullptr});
+        addShot(shotLst, {0, vectorAdd(cube, {-130, 40, 140}), {0, 0, 0}, 40, nullptr});
+        person = *cell, tank = tankLst->head, shot = shotLst->head, hidden = shot->next;
+    }
+    void TearDown() override
+    {
+        setOut(PERSON + TANK + SHOT + HIDDEN);
+        Scene::TearDown();
+    }
+
+    static int level(int x, int z) // it rises along x and falls along z
+    {
+        return static_cast<int>(165 + x / 8 - z / 2 + 30 * std::sin(x * 0.15) * std::cos(z * 0.17));
+    }
+
+    static Rgb colour(int x, int z) // in patches of 16 samples
+    {
+        const int i = x / 16, j = z / 16;
+        return {uint8_t(80 + 40 * ((i * 3 + j) % 4)), uint8_t(60 + 50 * ((i + j * 2) % 4)),
+                uint8_t(50 + 60 * ((i + j * 3) % 3))};
+    }
+
+    static Rgb groundTexel(float s, float t) // of 32 each way
+    {
+        return {uint8_t(140 + 3 * s), uint8_t(250 - 2 * t), uint8_t(150 + s + t)};
+    }
+
+    void setOut(int things)
+    {
+        *cell = things & PERSON ? person : nullptr;
+        tankLst->head = things & TANK ? tank : nullptr;
+        shot->next = things & HIDDEN ? hidden : nullptr;
+        shotLst->head = things & SHOT ? shot : shot->next;
+        SHADOW = things & SHADE ? 1 : 0;
+    }
+
+    // A frame, with its view set up once more by the laws of OpenGL.
+    Picture show(int things)
+    {
+        setOut(things);
+        cb.position = cube;
+        cb.orientation = orientation;
+        cam.position = vectorAdd(cube, eye);
+        VIEW_DISTANCE = distance;
+        drawScreen();
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        gluPerspective(60, 4 / 3.0, 1, distance / 2.0);
+        glMatrixMode(GL_MODELVIEW);
+        const float ground = getHeightAt(&ter, cube.x, cube.z);
+        aim(cam.position, {cube.x, (ground + cube.y) / 2 + cb.size, cube.z}, {0, 1, 0});
+        return look();
+    }
+
+    static bool isInFront(Vector point)
+    {
+        const Vector at = project(point);
+        if (at.x < 1 || at.x > WIDTH - 1 || at.y < 1 || at.y > HEIGHT - 1 || at.z > 1)
+            return false;
+        float depth;
+        glReadPixels(int(at.x), int(at.y), 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+        return std::fabs((1 - at.z) / (1 - depth) - 1) < 0.01; // distances, to 1 %
+    }
+
+    // What OpenGL's lighting, texturing and fog make of a spot.
+    Rgb lit(const Spot &spot) const
+    {
+        float view[16];
+        glGetFloatv(GL_MODELVIEW_MATRIX, view);
+        Matrix rows;
+        for (int i = 0; i < 16; ++i)
+            rows[i] = view[i % 4 * 4 + i / 4];
+        const Vector at = matrixVectorMultiply(rows, spot.at);
+        rows[3] = rows[7] = rows[11] = 0;
+        const Vector n = matrixVectorMultiply(rows, spot.normal);
+        const Vector light = normalizeVector(vectorSubtract({0, 10000, 0}, at));
+        const Vector half = normalizeVector(vectorAdd(light, {0, 0, 1}));
+        const float diffuse = std::max(vectorDotProduct(n, light), 0.0f);
+        const float shine = std::pow(std::max(vectorDotProduct(n, half), 0.0f), spot.shininess);
+        const float fog = std::clamp((distance / 2.0f + at.z) / 1000, 0.0f, 1.0f);
+        const float colour[] = {spot.colour.x, spot.colour.y, spot.colour.z};
+        const float texel[] = {spot.texel.x, spot.texel.y, spot.texel.z}, sky[] = {39, 168, 221};
+        Rgb result;
+        for (int c = 0; c < 3; ++c)
+        {
+            const float sum =
+                colour[c] * (0.3f + 0.3f * diffuse) + (diffuse > 0 ? 0.5f * shine : 0);
+            result[c] = uint8_t(std::min(sum, 1.0f) * texel[c] * 255 * fog + sky[c] * (1 - fog));
+        }
+        return result;
+    }
+
+    // A point of a model that stands on the ground.
+    Vector place(Vector model, float yaw, Vector foot, bool isTilted) const
+    {
+        const Vector n = ter.normals[worldToTerrainX(&ter, foot.x)][worldToTerrainZ(&ter, foot.z)];
+        Matrix turn, tilt;
+        matrixRotate(turn, decToRad(yaw), {0, 1, 0});
+        matrixRotate(tilt, isTilted ? std::acos(n.y) : 0, vectorCrossProduct({0, 1, 0}, n));
+        return vectorAdd(matrixVectorMultiply(tilt, matrixVectorMultiply(turn, model)), foot);
+    }
+
+    Vector cube, eye = {350, 150, 520}; // the eye as seen from the cube
+    Quaternion orientation = normalize({0.9f, 0.3f, -0.2f, 0.15f});
+    int distance = 5000;
+    PersonNode **cell, *person;
+    TankNode *tank;
+    Shot *shot, *hidden;
+};
+} // namespace
+
+static Vector fraction(Rgb colour, float of)
+{
+    return {colour[0] / of, colour[1] / of, colour[2] / of};
+}
+
+TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
+{
+    std::vector<Spot> spots;
+    show(PERSON + TANK + SHOT); // it settles the tank
+    const Vector dent = vectorAdd(cube, {-300, 0, -100});
+    deformTerrain(&ter, dent, -2000, DEFORM_DENT); // its blocks are compiled anew
+    Matrix turn;
+    quaternionToMatrix(cb.orientation, turn);
+    const Vector axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}};
+    for (int face = 0; face < 6; ++face)
+        for (int corner = 0; corner < 4; ++corner)
+        {
+            const Vector out = axes[face], up = face == 1 ? axes[5] : face == 4 ? axes[3] : axes[1];
+            const Vector right = vectorCrossProduct(up, out);
+            const Vector row = off(vectorMultiply(out, 50), up, corner % 2 ? 25 : -25);
+            const Vector at = off(row, right, corner / 2 ? 25 : -25);
+            spots.push_back({"cube " + std::to_string(face * 10 + corner),
+                             vectorAdd(matrixVectorMultiply(turn, at), cube),
+                             matrixVectorMultiply(turn, out),
+                             {1, 1, 1},
+                             fraction(CORNERS[corner / 2][corner % 2], 255),
+                             40});
+        }
+    const struct
+    {
+        const char *name;
+        Vector at, normal;
+        bool isTurret;
+    } parts[] = {
+        {"front", {1.8f, 2.2f, 0.5f}, {1, 0, 0}, false},
+        {"left side", {-0.7f, 2.2f, 1}, {0, 0, 1}, false},
+        {"top", {-1.6f, 2.5f, 0.8f}, {0, 1, 0}, false},
+        {"left track", {0.3f, 1, 2}, {0, 0, 1}, false},
+        {"turret", {-0.5f, 3.275f, 0.7f}, {0, 1, 0}, true},
+        {"barrel", {2.3f, 3.673f, 0.2f}, {0, 1, 0}, true},
+    };
+    const Vector foot = tank->tank.position;
+    for (const auto &part : parts)
+    {
+        const float yaw = part.isTurret ? 185 - findDirection(cube, foot) : 35;
+        const Vector normal = vectorSubtract(place(part.normal, yaw, foot, true), foot);
+        const Vector at = place(vectorMultiply(part.at, 10), yaw, foot, true);
+        spots.push_back({part.name, at, normal, {1, 1, 1}, {0.8f, 0.8f, 0.8f}, 20});
+    }
+    for (int x = 5; x < 250; x += 3)
+        for (int z = 5; z < 250; z += 3)
+        {
+            // Between two samples along z, inside of a patch and of a picture of the texture.
+            const bool isInside =
+                x % 16 % 14 > 1 && z % 16 % 14 > 1 && x % 20 > 1 && z % 20 % 18 > 1;
+            const float height = (ter.map[x][z] + ter.map[x][z + 1]) / 2;
+            const Vector at = {x * 25 - 3200.0f, height, z * 25 - 3187.5f};
+            const Vector n = normalizeVector(vectorAdd(ter.normals[x][z], ter.normals[x][z + 1]));
+            const Rgb texel = groundTexel(x % 20 * 1.6f - 0.5f, z % 20 * 1.6f + 0.3f);
+            if (isInside && pithag(at.x - cube.x, at.z - cube.z) > 150 && // in the sun
+                pithag(at.x - foot.x, at.z - foot.z) > 60)
+                spots.push_back({pithag(at.x - dent.x, at.z - dent.z) < 60 ? "dent"
+                                 : z % 25 == 24                            ? "seam"
+                                                                           : "land",
+                                 at, n, fraction(colour(x, z), 256), fraction(texel, 255), 10});
+        }
+    const Person &walker = person->person;
+    const Vector chest = place({1, 10, 0}, walker.direction, walker.position, false);
+    spots.push_back({"person", chest, {0, 1, 0}, {0, 0, 0}, {0, 0, 0}, 1}); // as if lit, on black
+    std::map<std::string, int> counts;
+    for (const Vector from : {eye, {-380, -60, 460}, {200, 60, -560}, {-500, 40, -300}})
+        for (int reach : {5000, 2600})
+        {
+            eye = from;
+            distance = reach;
+            const Picture picture = show(PERSON + TANK + SHOT + SHADE);
+            for (const Spot &spot : spots)
+                if (isInFront(spot.at) &&
+                    (seen(picture, spot.at) != BLACK || &spot == &spots.back()))
+                {
+                    ASSERT_PRED2(isAlike, seen(picture, spot.at), lit(spot)) << spot.name << eye;
+                    ++counts[spot.name];
+                }
+        }
+    EXPECT_GT(counts["land"], 600);
+    EXPECT_EQ(counts["person"], 8) << "from both sides";
+    for (const Spot &spot : spots)
+        EXPECT_GT(counts[spot.name], 0) << spot.name;
+}
+
+TEST_F(Frame, EachThingLooksAsItDoesAloneWhateverElseIsDrawn)
+{
+    const Picture bare = show(0);
+    EXPECT_TRUE(show(HIDDEN) == bare) << "the cube covers it";
+    const std::map<Thing, Picture> alone = {
+        {PERSON, show(PERSON)}, {TANK, show(TANK)}, {SHOT, show(SHOT)}, {SHADE, show(SHADE)}};
+    const Picture all = show(PERSON + TANK + SHOT + SHADE);
+    EXPECT_TRUE(show(0) == bare) << "nothing is left of them";
+    Box cubes;
+    for (int corner = 1; corner <= CUBE_CORNERS; ++corner)
+        cubes.add(project(getCorner(&cb, corner)));
+    int wrong = 0, shaded = 0;
+    for (int i = 0; i < WIDTH * HEIGHT; ++i)
+    {
+        std::vector<Rgb> changes;
+        for (const auto &[thing, picture] : alone)
+            if (picture[i] != bare[i])
+                changes.push_back(picture[i]);
+        wrong += changes.size() < 2 && all[i] != (changes.empty() ? bare[i] : changes[0]);
+        wrong += alone.at(PERSON)[i] != bare[i] && alone.at(PERSON)[i] != BLACK;
+        // The edges of the cube let through what is behind it.
+        const bool onCube = cubes.has(float(i % WIDTH), float(i / WIDTH));
+        if (alone.at(SHADE)[i] == bare[i] || onCube)
+            continue;
+        Rgb dark = bare[i];
+        for (uint8_t &c : dark)
+            c = uint8_t(c * 0.7);
+        wrong += !isAlike(alone.at(SHADE)[i], dark);
+        ++shaded;
+    }
+    EXPECT_EQ(wrong, 0) << "pixels";
+    EXPECT_GT(shaded, 500);
+    const auto glow = [&](Vector model)
+    { return seen(alone.at(SHOT), place(model, 40, shot->position, false)); };
+    for (const Vector fin : {Vector{10, 2, 0}, {10, 0, 2}})
+        EXPECT_GT(glow(fin)[0], 240) << fin;
+    const Vector tail = place({-32, 0, 0}, 40, shot->position, false);
+    EXPECT_GE(seen(alone.at(SHOT), tail)[1], seen(bare, tail)[1]) << "it adds to what is behind";
+    std::vector<uint8_t> stencil(WIDTH * HEIGHT);
+    glReadPixels(0, 0, WIDTH, HEIGHT, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, stencil.data());
+    EXPECT_EQ(std::count(stencil.begin(), stencil.end(), 0), WIDTH * HEIGHT);
+    const Picture shade = show(SHADE);
+    eye = {-300, -20, 400};
+    show(PERSON + TANK + SHOT + SHADE);
+    eye = {350, 150, 520};
+    EXPECT_TRUE(show(SHADE) == shade) << "after a frame from another eye";
+}
+
+TEST_F(Frame, ShadowFallsStraightDownOnWhatIsBelowTheCube)
+{
+    orientation = {1, 0, 0, 0};
+    for (const Vector from : {eye, {-380, -60, 460}})
+    {
+        eye = from;
+        const Picture bare = show(0), shade = show(SHADE);
+        int inside = 0;
+        for (int i = 0; i < 41 * 41; ++i)
+        {
+            const float dx = i / 41 * 5 - 100.0f, dz = i % 41 * 5 - 100.0f;
+            const float away = std::max(std::fabs(dx), std::fabs(dz));
+            const Vector at = {cube.x + dx, getHeightAt(&ter, cube.x + dx, cube.z + dz),
+                               cube.z + dz};
+            if (std::fabs(away - 50) < 8 || !isInFront(at))
+                continue;
+            inside += away < 50;
+            ASSERT_EQ(seen(shade, at) != seen(bare, at), away < 50) << dx << ", " << dz;
+        }
+        EXPECT_GT(inside, 100);
+    }
+    eye = {20, -150, 30}; // in the shaded column it looks out on what is lit
+    const Picture bare = show(0), shade = show(SHADE);
+    for (int corner : {5, WIDTH - 5, (HEIGHT - 5) * WIDTH + 5, HEIGHT * WIDTH - 5})
+        EXPECT_EQ(shade[corner], bare[corner]) << corner;
+}
+
+TEST_F(Frame, TextsShowWhatTheyTellInBlackRightOfTheirAnchorAndOverEverything)
+{
+    const struct
+    {
+        const char *what;
+        std::function<void()> change;
+        float height; // above the cube's centre
+    } rows[] = {
+        {"score", [] { cb.score = 8888; }, 270},
+        {"size", [] { cb.size = cb.targetSize = 123; }, 200},
+        {"game over", [] { gameOver = 1; }, 0},
+    };
+    for (const auto &row : rows)
+    {
+        std::vector<Ids> black(2); // pixels near the anchor, before the change and after it
+        Box box;
+        for (int i = 0; i < 2; ++i)
+        {
+            i ? row.change() : void();
+            const Picture picture = show(SHADE);
+            const Vector anchor = project(vectorAdd(cube, {0, row.height, 0}));
+            for (int y = -20; y < 35; ++y)
+                for (int x = -40; x < 280; ++x)
+                    if (picture.at((int(anchor.y) + y) * WIDTH + int(anchor.x) + x) == BLACK)
+                    {
+                        black[i].push_back(y * WIDTH + x);
+                        box.add({float(x), float(y), 0});
+                    }
+        }
+        EXPECT_NE(black[0], black[1]) << row.what;
+        EXPECT_GT(black[1].size(), 150u) << row.what;
+        EXPECT_TRUE(box.left >= 0 && box.left < 5 && box.bottom > -6 && box.top < 20) << row.what;
+    }
+}

@@ -28,12 +28,6 @@ inline void writeImage(const char *name, int16_t width, int16_t height, int byte
     ASSERT_EQ(tgaSave(name, width, height, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
 }
 
-inline void writeImage(const char *name, int16_t side, int bytes,
-                       std::function<Rgb(int, int)> colour)
-{
-    writeImage(name, side, side, bytes, colour);
-}
-
 // One video mode for all tests; each starts as start-up does, on a black screen.
 struct Scene : EmptyWorld
 {
@@ -71,20 +65,17 @@ struct Scene : EmptyWorld
     }
 };
 
-// Side * side samples of some grey level and colour with nobody on them; by itself flat land, 150
-// units high.
+// Side * side samples of some grey level and colour; by itself flat land, 150 units high.
 inline void build(
     int16_t side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
-    std::function<Rgb(int x, int z)> colour =
-        [](int, int) {
-            return Rgb{128, 255, 64};
-        })
+    std::function<Rgb(int x, int z)> colour = [](int, int) { return WHITE; }, int people = 0,
+    int tanks = 0)
 {
     const auto height = [&](int z, int x) { return Rgb{static_cast<uint8_t>(level(x, z))}; };
     writeImage("Map.tga", side, side, 1, height); // rows of the images run along x
     writeImage("MapTex.tga", side, side, 4, [&](int z, int x) { return colour(x, z); });
-    ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, 0, side, side, 25));
-    ASSERT_TRUE(makeTankList(tankLst, 0));
+    ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, people, side, side, 25) &&
+                makeTankList(tankLst, tanks));
 }
 
 inline Vector off(Vector from, Vector along, float distance)
@@ -96,12 +87,6 @@ inline void aim(Vector eye, Vector at, Vector up)
 {
     glLoadIdentity();
     gluLookAt(eye.x, eye.y, eye.z, at.x, at.y, at.z, up.x, up.y, up.z);
-}
-
-inline void lookFrom(Vector eye, Vector at, Vector up = {0, 1, 0}) // with a clear screen
-{
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    aim(eye, at, up);
 }
 
 inline Picture look()

@@ -56,34 +56,6 @@ TEST_F(World, IPrintsTheDiagnosticBlock)
               "\nCamera Information:\n\tPosition: (-200,500,-4000)\n");
 }
 
-TEST_F(World, CameraEasesTowardsAPlaceBehindTheCube)
-{
-    const struct
-    {
-        float size;
-        int over;
-        float heading;
-        Vector goal; // 600 high until the frame has seen the ground
-    } rows[] = {
-        {200, 0, 90, {0, 600, -4350}},
-        {250, 1, 180, {1000, 600, -4000}},
-        {90, 0, 30, {-259.808f, 600, -4150}},
-    };
-    for (const auto &row : rows)
-    {
-        cb.size = row.size;
-        gameOver = row.over;
-        cb.heading = row.heading;
-        calcTargetView(&cam, &cb);
-        EXPECT_TRUE(isNear(cam.target, row.goal, 1e-3)) << row.heading;
-    }
-    cam.target = {200, 700, -5000};
-    cam.position = {700, 900, -4000};
-    updateCamera(&cam, 0.02f);
-    EXPECT_TRUE(isNear(cam.velocity, {-250, -100, -500}, 1e-3));
-    EXPECT_TRUE(isNear(cam.position, {695, 898, -4010}, 1e-3));
-}
-
 // One frame after another. Returns the draw distance after them.
 static int frames(int count, int milliseconds)
 {
@@ -93,26 +65,6 @@ static int frames(int count, int milliseconds)
         drawScreen();
     }
     return VIEW_DISTANCE;
-}
-
-TEST_F(World, FrameStepsTheCubeThenThoseAroundItThenTheCameraAndSettlesTheContact)
-{
-    frames(1, 300);
-    cam.position.z = -4000;
-    TERRAIN_DEFORMING = 0;
-    cb.position = {0, 97, 0}; // falls by 50 and stands 3 units in the ground
-    cb.momentum = {0, 0, 500 * 1e6f};
-    addPerson(peopleLst, {0, {4, 0, 260}, {0, 0, 0}, 0, nullptr, 0, nullptr, 0});
-    addTank(tankLst, {0, 20, {260, 0, 250}, 0, 0, 0, 0, 0, 0, 10, -1.3f}); // loaded at 0.7 s
-    frames(1, 500);
-    EXPECT_TRUE(isNear(cb.position, {0, 47, 250}, 1e-3));
-    EXPECT_EQ(cb.score, 10) << "who stands where the cube has come to is crushed";
-    EXPECT_EQ(cb.targetSize, 100 + 1 - 7.5) << "the shot fired in this step has struck";
-    EXPECT_TRUE(isNear(cam.target, {0, 300, -50}, 1e-3)) << "behind the cube, above the ground";
-    EXPECT_NEAR(cam.position.z, -4000 + 25 * 0.25 * 3950, 1) << "and the camera knows";
-    // For the next step: the spring and the damping of the contact, and the shot's push.
-    EXPECT_NEAR(cb.force.y / 1e6, 12 * 3 + (8 + 0.1 * 3) * 100 - 2750 * 20 / std::hypot(260, 20),
-                1);
 }
 
 TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)

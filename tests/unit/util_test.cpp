@@ -16,9 +16,14 @@ TEST(Util, ScalarsHaveTheirClosedForms)
         {"hypotenuse beyond float's squares", pithag(3e30f, -4e30f) / 5e30, 1},
         {"angle of a cosine rounded past 1", clampedAcos(1.1), 0},
         {"angle of a cosine rounded past -1", clampedAcos(-1.1), PI},
+        {"heading nowhere", findDirection({5, 1, 9}, {5, 7, 9}), 0},
+        {"heading along +x and +z", findDirection({5, 1, 9}, {9, 7, 12}), 36.86990},
+        {"heading along -x and +z", findDirection({5, 1, 9}, {2, 7, 13}), 126.86990},
+        {"heading along -x and -z", findDirection({5, 1, 9}, {1, 7, 6}), 216.86990},
+        {"heading along +x and -z", findDirection({5, 1, 9}, {8, 7, 5}), 306.86990},
     };
     for (const auto &row : rows)
-        EXPECT_NEAR(row.actual, row.expected, 1e-5) << row.what;
+        EXPECT_FLOAT_EQ(float(row.actual), float(row.expected)) << row.what;
 }
 
 TEST(Util, VectorsFollowTheirFormulasAndRoundOnce)
@@ -26,26 +31,13 @@ TEST(Util, VectorsFollowTheirFormulasAndRoundOnce)
     EXPECT_TRUE(isNear(vectorCrossProduct({1, 2, 4}, {3, 5, 9}), {-2, 3, -1}, 0));
     EXPECT_EQ(vectorDotProduct({1, 2, 3}, {5, 7, 11}), 52);
     EXPECT_EQ(vectorDotProduct({1e8f, 1, -1e8f}, {1, 1, 1}), 1);
-    EXPECT_TRUE(isNear(normalizeVector({0, 0, 0}), {0, 0, 0}, // nowhere
-                       0));
+    EXPECT_TRUE(isNear(normalizeVector({0, 0, 0}), {0, 0, 0}, 0));
     const Vector plane[] = {{1, 10, 3}, {1, 9, 5}, {4, 8, 5}}; // 2 x + 6 y + 3 z = 71
     const Vector up = normal(plane[0], plane[1], plane[2]);
     EXPECT_TRUE(isNear(vectorMultiply(up, 7), {2, 6, 3}, 1e-6));
     Vector q = {2.5f, 77, 1};
     findYvalue(plane[0], plane[1], plane[2], &q);
     EXPECT_TRUE(isNear(q, {2.5f, 10.5f, 1}, 1e-6));
-}
-
-TEST(Util, HeadingsRunFromXTowardsZ)
-{
-    const struct
-    {
-        float dx, dz, degrees;
-    } rows[] = {
-        {0, 0, 0}, {4, 3, 36.8699f}, {-3, 4, 126.8699f}, {-4, -3, 216.8699f}, {3, -4, 306.8699f},
-    };
-    for (const auto &row : rows)
-        EXPECT_NEAR(findDirection({5, 0, 9}, {5 + row.dx, 7, 9 + row.dz}), row.degrees, 1e-4);
 }
 
 TEST(Util, QuaternionsAndMatricesTurnAlikeAboutEveryAxis)
@@ -56,17 +48,12 @@ TEST(Util, QuaternionsAndMatricesTurnAlikeAboutEveryAxis)
         float degrees;
         Vector point, turned;
     } rows[] = {
-        {{1, 0, 0}, 90, {1, 2, 3}, {1, -3, 2}},
-        {{0, 1, 0}, 90, {1, 2, 3}, {3, 2, -1}},
-        {{0, 0, 1}, 90, {1, 2, 3}, {-2, 1, 3}},
+        {{2, -3, 6}, 90, {49, 98, 49}, {-101, 22, 61}}, // the axis is 7 long
         {{2, 2, 2}, 120, {1, 2, 3}, {3, 1, 2}},
-        // a slant, 7 long
-        {{2, -3, 6}, 90, {49, 0, 0}, {4, 36, 33}},
         {{3, 5, 7}, 0, {1, 2, 3}, {1, 2, 3}},
     };
     for (const auto &row : rows)
     {
-        SCOPED_TRACE(testing::Message() << row.degrees << " degrees about " << row.axis);
         const float radians = decToRad(row.degrees);
         const Vector unit = normalizeVector(row.axis);
         const Vector part = vectorMultiply(unit, std::sin(radians / 2));
@@ -82,17 +69,13 @@ TEST(Util, QuaternionsAndMatricesTurnAlikeAboutEveryAxis)
         EXPECT_NEAR(angle, radians, 1e-6);
         EXPECT_TRUE(isNear(axis, radians > 0 ? unit : Vector{1, 0, 0}, 1e-6));
     }
-}
-
-TEST(Util, QuaternionsMultiplyAndNeverLoseTheirLength)
-{
     const Quaternion p = quaternionMultiplyQuaternion({1, 2, 3, 4}, {5, 6, 7, 8});
     EXPECT_EQ(p.w, -60);
     EXPECT_TRUE(isNear({p.x, p.y, p.z}, {12, 30, 24}, 0));
     EXPECT_EQ(normalize({0, 0, 0, 0}).w, 1);
 }
 
-TEST(Util, OpenGLTakesMatricesColumnByColumn)
+TEST(Util, MatricesMultiplyTransposeAndAreStoredColumnByColumn)
 {
     const Vector place = {-2, 1, 3};
     const Matrix3 quarterAboutZ = {0, -1, 0, 1, 0, 0, 0, 0, 1};

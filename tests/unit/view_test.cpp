@@ -1,8 +1,6 @@
 #include "fixtures.h"
 #include "view.h"
 
-#include <cmath>
-
 // Looks along +x, +z to the right: 1 up and 2 to the right for each unit ahead.
 constexpr Eye AHEAD = {{100, 50, -200}, {300, 50, -200}, 90, 2, 1, 1000};
 
@@ -27,7 +25,8 @@ TEST_F(View, SphereIsOutWhenItLiesBeyondOneOfThePlanes)
     } cases[] = {
         {"top", {200, 164, -200}, {200, 168, -200}}, {"bottom", {200, -64, -200}, {200, -68, -200}},
         {"right", {200, 50, 22}, {200, 50, 27}},     {"left", {200, 50, -422}, {200, 50, -427}},
-        {"near", {92, 50, -200}, {88, 50, -200}},    {"far", {1109, 50, -200}, {1117, 50, -200}}};
+        {"near", {92, 50, -200}, {88, 50, -200}},    {"far", {1109, 50, -200}, {1117, 50, -200}},
+    };
     for (const auto &c : cases)
     {
         EXPECT_TRUE(sphereInView(c.inward, 10)) << c.side;

@@ -2,11 +2,6 @@
 
 constexpr float M = 1e6f; // mass of the cube at the start
 
-static Vector perMass(Vector v)
-{
-    return vectorMultiply(v, 1 / M);
-}
-
 TEST_F(World, CubeStartsAboveTheEdgeOfTheLandFliesTowardsItsMiddleAndFalls)
 {
     EXPECT_NEAR(cb.inertia, 1e10 / 6, 1);
@@ -43,9 +38,6 @@ TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
         EXPECT_NEAR(cube.mass - M, row.gainedMass, 1e-3);
         EXPECT_NEAR(cube.velocity.z, row.speed, 1e-3);
         EXPECT_EQ(gameOver, row.over);
-        EXPECT_NEAR(cube.spinLimit, 6 - row.newSize / 50, 1e-5);
-        const double edge = row.gainedMass != 0 ? cube.size : cb.size;
-        EXPECT_NEAR(cube.inverseInertia * cube.mass * edge * edge / 6, 1, 1e-6);
     }
 }
 
@@ -67,19 +59,4 @@ TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
         EXPECT_EQ(cubeCovers(&cb, body, 50), row.covers) << row.off;
         EXPECT_EQ(cubeCrushes(&cb, body), row.crushes) << row.off;
     }
-}
-
-TEST_F(World, SpinningCubeDentsTheGroundWhereItsCornersFallAndIsHeldWhereTheyRise)
-{
-    cb.position = {0, 47, 0};
-    cb.velocity = {0, -100, 0};
-    cb.angularVelocity = {0, 0, 3}; // 150 units/s up at x = 50, down at x = -50
-    collideCubeTerrain();
-    for (int z : {93, 97})
-    {
-        EXPECT_FLOAT_EQ(ter.map[103][z], -2) << "250 units/s times 0.02 times 0.4";
-        EXPECT_EQ(ter.map[107][z], 0);
-    }
-    // Corner 1 is pushed: the spring, less the damping, and the friction of its foot.
-    EXPECT_TRUE(isNear(perMass(cb.force), {-6 * 150, 12 * 3 - 0.1f * 50 * 3, 0}, 1e-2));
 }

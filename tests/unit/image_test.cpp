@@ -76,9 +76,8 @@ TEST_F(World, StatusTellsWhyAnImageIsRefusedAndNoFileStaysOpen)
         TgaImage *image;
         uint32_t texture;
         EXPECT_EQ(loadTexture("", "a.tga", 0, &image, &texture), row.isTexture);
-        EXPECT_EQ(image->status, row.status);
-        EXPECT_EQ(image->width, row.width);
-        EXPECT_EQ(image->height, row.height);
+        EXPECT_EQ(Ids({image->status, image->width, image->height}),
+                  Ids({row.status, row.width, row.height}));
         tgaDestroy(image);
     }
     EXPECT_EQ(std::get<0>(load("none.tga")), TGA_ERROR_OPEN);
@@ -99,18 +98,14 @@ TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)
 TEST_F(World, NumberedNamesCountOnlyWhatWasWritten)
 {
     uint8_t *kept = owned({1});
-    for (int number : {0, 999, 2147483645})
-    {
-        savedImages = number;
-        EXPECT_EQ(tgaSaveSeries("nowhere/grab", 1, 1, 8, kept), TGA_ERROR_OPEN);
-        EXPECT_EQ(tgaGrabScreenSeries("nowhere/grab", 0, 0, 64, 48), TGA_ERROR_OPEN) << "released";
-        EXPECT_EQ(tgaSaveSeries("a", 1, 1, 8, owned({7})), TGA_OK);
-        EXPECT_EQ(tgaGrabScreenSeries("b", 10, 20, 13, 22), TGA_OK);
-        EXPECT_EQ(load("a" + std::to_string(number) + ".tga"), Loaded(1, 3, 8, 1, 1, {7}));
-        EXPECT_EQ(load("b" + std::to_string(number + 1) + ".tga"),
-                  Loaded(1, 2, 32, 3, 2, Bytes(24)));
-    }
+    savedImages = 2147483645;
+    EXPECT_EQ(tgaSaveSeries("nowhere/grab", 1, 1, 8, kept), TGA_ERROR_OPEN);
     free(kept);
+    EXPECT_EQ(tgaGrabScreenSeries("nowhere/grab", 0, 0, 64, 48), TGA_ERROR_OPEN) << "released";
+    EXPECT_EQ(tgaSaveSeries("a", 1, 1, 8, owned({7})), TGA_OK);
+    EXPECT_EQ(tgaGrabScreenSeries("b", 10, 20, 13, 22), TGA_OK);
+    EXPECT_EQ(load("a2147483645.tga"), Loaded(1, 3, 8, 1, 1, {7}));
+    EXPECT_EQ(load("b2147483646.tga"), Loaded(1, 2, 32, 3, 2, Bytes(24)));
     for (int side : {0, -1, 32768})
     {
         EXPECT_EQ(tgaGrabScreenSeries("b", 5, 0, 5 + side, 1), TGA_ERROR_MEMORY) << side;

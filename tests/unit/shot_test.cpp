@@ -25,18 +25,3 @@ TEST_F(World, ShotsFlyTwiceAsFastAlongTheGroundAndLeaveACraterWhereTheySink)
     EXPECT_EQ(ter.map[208][94], -3);
     EXPECT_EQ(ter.map[126][95], 0);
 }
-
-TEST_F(World, ShotThatHitsShrinksTheCubePushesItAlongItsFlightAndIsGone)
-{
-    cb.position = {-10, 310, 30};
-    addShot(shotLst, {0, {800, 300, 0}, {0, 0, 0}, 0, nullptr});
-    addShot(shotLst, {0, {0, 300, 0}, {60, 30, -20}, 0, nullptr}); // 70 units/s
-    addShot(shotLst, {0, {0, 365, 0}, {0, 0, 0}, 0, nullptr});     // half an edge is its reach
-    updateShot(shotLst, &cb, 0);
-    EXPECT_EQ(cb.targetSize, 92.5f);
-    const Vector push = vectorMultiply({6, 3, -2}, 2750 / 7.0f); // per mass
-    EXPECT_TRUE(isNear(vectorMultiply(cb.force, 1e-6f), push, 0.01));
-    EXPECT_TRUE(
-        isNear(vectorMultiply(cb.torque, 1e-6f), vectorCrossProduct({10, -10, -30}, push), 0.1));
-    EXPECT_EQ(idsFrom(shotLst->head), Ids({2, 0}));
-}

@@ -41,16 +41,18 @@ TEST_F(View, BoxIsOutWhenAllOfItLiesBeyondOnePlane)
         const char *name;
         Vector lowest, highest;
         int in;
-    } cases[] = {{"around the eye", {0, 0, -300}, {200, 100, -100}, 1},
-                 {"high, far to the right, but wide", {500, 40, 0}, {700, 60, 2000}, 1},
-                 {"a tower through the view", {400, -900, -210}, {410, 900, -190}, 1},
-                 {"above", {200, 355, -300}, {300, 500, -100}, 0},
-                 {"its lower edge reaches in", {200, 245, -300}, {300, 500, -100}, 1},
-                 {"below", {200, -500, -300}, {300, -155, -100}, 0},
-                 {"behind", {-50, 0, -300}, {95, 100, -100}, 0},
-                 {"beyond", {1108, 0, -300}, {1200, 100, -100}, 0},
-                 {"to the left", {200, 0, -900}, {300, 100, -605}, 0},
-                 {"to the right", {200, 0, 205}, {300, 100, 900}, 0}};
+    } cases[] = {
+        {"around the eye", {0, 0, -300}, {200, 100, -100}, 1},
+        {"high, far to the right, but wide", {500, 40, 0}, {700, 60, 2000}, 1},
+        {"a tower through the view", {400, -900, -210}, {410, 900, -190}, 1},
+        {"its lower edge reaches in", {200, 245, -300}, {300, 500, -100}, 1},
+        {"above", {200, 355, -300}, {300, 500, -100}, 0},
+        {"below", {200, -500, -300}, {300, -155, -100}, 0},
+        {"behind", {-50, 0, -300}, {95, 100, -100}, 0},
+        {"beyond", {1108, 0, -300}, {1200, 100, -100}, 0},
+        {"to the left", {200, 0, -900}, {300, 100, -605}, 0},
+        {"to the right", {200, 0, 205}, {300, 100, 900}, 0},
+    };
     for (const auto &c : cases)
         EXPECT_EQ(boxInView(c.lowest, c.highest), c.in) << c.name;
 }
@@ -73,22 +75,6 @@ TEST_F(View, SpanIsTheWidthOfTheViewInThatStripOfLand)
         EXPECT_GT(viewSpan(x).low, viewSpan(x).high) << "out of view";
 }
 
-TEST_F(View, SpanOfATiltedViewHoldsEveryPointOfItAndLittleElse)
-{
-    const Eye tilted = {{100, 500, -200}, {40, 380, -260}, 60, 1.5, 1, 2000};
-    setView(&tilted);
-    for (const float x : {100.0f, -300.0f, -900.0f, -1500.0f})
-    {
-        Span z = {INFINITY, -INFINITY};
-        for (float y = -2500; y < 1500; y += 10)
-            for (float at = -3000; at < 1500; at += 10)
-                if (sphereInView({x, y, at}, 0))
-                    z = {std::min(z.low, at), std::max(z.high, at)};
-        const Span span = viewSpan({x, x});
-        EXPECT_TRUE(isNear({span.low, span.high, 0}, {z.low, z.high, 0}, 15)) << x;
-    }
-}
-
 TEST_F(View, ScreenAreaHoldsTheHullAlsoWhereItPassesTheEye)
 {
     const struct
@@ -105,10 +91,10 @@ TEST_F(View, ScreenAreaHoldsTheHullAlsoWhereItPassesTheEye)
     for (const auto &c : cases)
     {
         const ScreenArea area = screenArea(c.points.data(), int(c.points.size()), 800, 400);
-        EXPECT_NEAR(area.x, c.area.x, 1) << c.name;
-        EXPECT_NEAR(area.y, c.area.y, 1) << c.name;
-        EXPECT_NEAR(area.width, c.area.width, 1) << c.name;
-        EXPECT_NEAR(area.height, c.area.height, 1) << c.name;
+        const Vector corner = {1.0f * area.x, 1.0f * area.y, 0};
+        const Vector extent = {1.0f * area.width, 1.0f * area.height, 0};
+        EXPECT_TRUE(isNear(corner, {1.0f * c.area.x, 1.0f * c.area.y, 0}, 1)) << c.name;
+        EXPECT_TRUE(isNear(extent, {1.0f * c.area.width, 1.0f * c.area.height, 0}, 1)) << c.name;
     }
 }
 

@@ -75,7 +75,7 @@ constexpr float STEEP_RISE = 0.66f; // and where mountains stand by the fjord
 
 // Beyond a fjord the land ends in a cliff that holds the cube: it is as steep as the game's
 // smoothing leaves anything, and no bend and no corner of it is narrow enough to be a ramp. The
-// test robust.rim tells what a change of these numbers does.
+// tool rim tells what a change of these numbers does.
 constexpr float CLIFF_BRINK = 620;   // units from the end of the land, on average
 constexpr float CLIFF_WIDTH = 25;    // from the brink to the foot
 constexpr float CLIFF_CORNER = 1000; // radius; wider and narrower ones let more cubes climb

@@ -5,8 +5,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source tools/setup.sh
-# shellcheck source=tests/package/installed.sh
-source tests/package/installed.sh
+# shellcheck source=tests/game/judge.sh
+source tests/game/judge.sh
 
 archives()
 {
@@ -28,7 +28,7 @@ everyFile() # but logs and caches
 
 playsAsNobody()
 {
-    plays /home/link chroot --userspec=nobody:nogroup "$root"
+    playsInstalled /home/link chroot --userspec=nobody:nogroup "$root"
 }
 
 remove()

@@ -2,31 +2,17 @@
 # game.sh CASE GAME CLOSER [PRELOAD] - plays the real game on a display of its own and judges what
 # it prints. If LIBRARY names a folder, the SDL there takes the place of the one the game links.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
-# shellcheck source=tools/virtual.sh
-source "$here/../../tools/virtual.sh"
+# shellcheck source=tests/game/judge.sh
+source "$(dirname "$0")/judge.sh"
 GAME=$2
 CLOSER=$3
 PRELOAD=${4-}
-DATA=$here/../../data
+DATA=$judge/../../data
 
 start() # FOLDER [VARIABLE=VALUE...]
 {
     startGame "$GAME" "$@" ${LIBRARY:+LD_LIBRARY_PATH="$LIBRARY"} \
         ${PRELOAD:+LD_PRELOAD="$PRELOAD"}
-}
-
-expectLines() # head|tail FILE: what standard error begins or ends with
-{
-    diff "$2" <("$1" -n "$(wc -l <"$2")" "$scratch/err") || complain "the $1 is not as expected"
-}
-
-expectOrderlyEnd() # [FILE LINE]: how standard error ends, if not as after a game; standard output
-{
-    waitForEnd 30
-    ((gameStatus == 0)) || complain "status $gameStatus:" "$(tail -n 20 "$scratch/err")"
-    expectLines tail "$here/${1-quit.txt}"
-    diff <(printf '%s' "${2+$2$'\n'}") "$scratch/out" || complain "standard output is another"
 }
 
 play()
@@ -35,78 +21,17 @@ play()
     waitForPlay
 }
 
-linesInOrder()
+showsAWorld()
 {
-    play
-    xdotool keydown Escape
-    expectOrderlyEnd
-    expectLines head "$here/start.txt"
-}
-
-# In the air nothing but the keys turns the cube: the torques that stand there beside no force.
-torquesInTheAir()
-{
-    awk '/^\tForce: / { air = /\(0,0,0\)/ } /^\tTorque: / && air && !/\(0,0,0\)/' "$scratch/err"
-}
-
-holds() # PART EXPRESSION: of the picture, by the means of its colours
-{
-    (($(convert "$scratch/picture.png" -crop "$1" -format "%[fx:$2]" info:)))
-}
-
-# Blue above; below something else, neither dark, bright nor flat.
-showsSkyAboveLand()
-{
-    grab "$scratch/picture.png" && holds 1024x60+0+0 'mean.b - mean.r > 0.15' &&
-        holds 1024x60+0+708 'mean.g > mean.b && mean > 0.1 && mean < 0.8' &&
-        holds 1024x60+0+708 'standard_deviation > 0.02'
-}
-
-isLow()
-{
-    local y
-    read -r _ y _ < <(cubeVector Position) && ((y < 600))
-}
-
-# The view is up into the sky at first, and it leaps with the cube when slow frames let that bounce:
-# the game is stopped shortly before the cube lands.
-pictureShowsSkyAboveLand()
-{
-    local attempt
-    for attempt in {1..6}; do
-        play
-        xdotool keydown i
-        waitFor 60 isLow || complain "the cube does not fall"
-        kill -s STOP "$gamePid"
-        ! showsSkyAboveLand || return 0
-        echo "picture $attempt does not show the sky above the land"
-        stop KILL "$gamePid"
-    done
-    complain "no picture shows it"
-}
-
-# The long frames of a busy machine may land the cube before the key comes.
-upRollsTheCube()
-{
-    local attempt
-    for attempt in {1..6}; do
-        play
-        [[ -z $(torquesInTheAir) ]] || complain "a torque without a key"
-        xdotool keydown Up
-        askForBlocks 5
-        [[ -z $(torquesInTheAir) || $(cubeVector "Angular Momentum") == "0 0 0" ]] || return 0
-        echo "no torque from Up in game $attempt"
-        xdotool keyup Up
-        stop KILL "$gamePid"
-    done
-    complain "Up does not roll the cube"
+    start "$DATA"
+    showsAWorldAndEnds
 }
 
 closingQuits()
 {
     play
     "$CLOSER" "$(xdotool search --name "" | tail -n 1)"
-    expectOrderlyEnd
+    expectOrderlyEnd quit.txt
 }
 
 signalsQuit()
@@ -116,7 +41,7 @@ signalsQuit()
         play
         echo "SIG$signal"
         kill -s "$signal" "$gamePid"
-        expectOrderlyEnd
+        expectOrderlyEnd quit.txt
     done
 }
 
@@ -124,14 +49,14 @@ lostDisplayQuits()
 {
     play
     kill -KILL "$serverPid"
-    expectOrderlyEnd
+    expectOrderlyEnd quit.txt
 }
 
 withoutImagesItQuits()
 {
     start "$scratch"
-    expectOrderlyEnd
-    sed "s|FOLDER|$scratch|" "$here/no_images.txt" >"$scratch/expected"
+    expectOrderlyEnd quit.txt
+    sed "s|FOLDER|$scratch|" "$judge/no_images.txt" >"$scratch/expected"
     expectLines head "$scratch/expected"
 }
 
@@ -154,15 +79,10 @@ withoutOpenGLItQuits()
 }
 
 scratch=$(mktemp -d)
-remove()
-{
-    closeDisplay
-    rm -rf "$scratch"
-}
 if [[ -n ${LIBRARY+set} && ! -e $LIBRARY/libSDL-1.2.so.0 ]]; then
     echo "there is no second SDL library in '$LIBRARY'"
     exit 77 # skipped
 fi
 openDisplay "$scratch"
-trap remove EXIT
+trap 'closeDisplay; rm -rf "$scratch"' EXIT
 "$1"

@@ -3,8 +3,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 source tools/setup.sh
-# shellcheck source=tests/package/installed.sh
-source tests/package/installed.sh
+# shellcheck source=tests/game/judge.sh
+source tests/game/judge.sh
 
 newestVersions() # of the program, the package, the list of changes and the metadata
 {
@@ -44,7 +44,7 @@ isHardened()
 
 playsFromItsRoot()
 {
-    plays "$scratch/root/usr/games/tumbledown"
+    playsInstalled "$scratch/root/usr/games/tumbledown"
 }
 
 isTheSameWhereverItIsBuilt()
@@ -63,7 +63,7 @@ playsFromAMovedPrefixThroughALink()
     mv "$scratch/prefix" "$scratch/moved to here"
     ln -s "moved to here/bin/tumbledown" "$scratch/first"
     ln -s "$scratch/first" "$scratch/a link"
-    plays "$scratch/a link"
+    playsInstalled "$scratch/a link"
 }
 
 scratch=$(mktemp -d)

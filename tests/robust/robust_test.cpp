@@ -7,16 +7,12 @@
 
 #include <algorithm>
 #include <bitset>
-#include <cmath>
-#include <cstring>
+#include <climits>
 #include <functional>
 #include <map>
 #include <set>
-#include <sys/fsuid.h>
 #include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -26,32 +22,19 @@ struct Play
     int frames = 0;                               // before Escape is held; 0: start-up alone
     std::function<void(int)> script = [](int) {}; // called before each frame, and after the last
     int (*step)(int) = [](int) { return 33; };    // milliseconds before the step of a frame
-    uint32_t firstTick = 1000; // milliseconds on the clock when the animation starts
-    bool onDisplay = false;    // false: no SDL video, and OpenGL calls that do nothing
-    int drawnEvery = 1;        // of the frames; the others step the world and settle it
-    int failingCall = 0;       // the allocation that fails, from 1, counted while inPlay is
-    bool failsInPlay = false;  // this
+    bool onDisplay = false;   // false: no SDL video, and OpenGL calls that do nothing
+    int failingCall = 0;      // the allocation that fails, from 1, counted while inPlay is
+    bool failsInPlay = false; // this
 };
 
 typedef std::pair<const void *, size_t> Allocation; // by whom, and how many bytes
-
-// Of a world, as coarse as a player would see it.
-struct Figures
-{
-    int frame;
-    Vector cube, eye; // positions
-    float heading, size;
-    int score, shots; // shots: fired so far
-};
 
 // What a child process tells its parent.
 struct Report
 {
     uint64_t hash;
-    Figures figures[3];
     int allocations;
     Allocation allocation[500000];
-    char text[256];
 };
 } // namespace
 
@@ -121,7 +104,7 @@ extern "C"
 
     Uint32 __wrap_SDL_GetTicks()
     {
-        fakeTicks = inPlay ? fakeTicks + static_cast<uint32_t>(play.step(frame)) : play.firstTick;
+        fakeTicks = inPlay ? fakeTicks + static_cast<uint32_t>(play.step(frame)) : 1000;
         inPlay = true;
         return fakeTicks;
     }
@@ -144,15 +127,7 @@ extern "C"
     {
         if (play.onDisplay)
             __real_SDL_GL_SwapBuffers();
-        while (++frame % play.drawnEvery != 0)
-        {
-            play.script(frame);
-            handleKeyDown();
-            animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
-            collideCubeTerrain();
-            settleTanks(tankLst, &ter);
-            landShots(shotLst, &ter);
-        }
+        ++frame;
     }
 }
 
@@ -180,35 +155,13 @@ static void expectGame(const Play &script, const std::string &log)
     EXPECT_EXIT(playGame(script), testing::ExitedWithCode(0), log + quitting + "$");
 }
 
-// Holds the keys that roll the cube to a place.
-static void rollTo(Vector goal)
-{
-    holdKeysToward(goal, keysHeld);
-    keysHeld[SDLK_i] = frame % 1000 == 999;
-}
-
 // From one place of the land to the next, a new one every ten seconds or so.
 static void rollAround()
 {
     const unsigned place = (frame / 300u + 1) * 2654435761u >> 8;
-    rollTo(vectorInit(place % 8192 - 4096.0f, 0, place / 8192 % 2048 * 4 - 4096.0f));
-}
-
-static float distanceTo(Vector goal)
-{
-    return pithag(goal.x - cb.position.x, goal.z - cb.position.z);
-}
-
-// Rolls to the nearest tank and stands still under its fire: most of the others leave the land.
-static void seekFire()
-{
-    Vector goal = tankLst->head->tank.position;
-    for (const TankNode *node = tankLst->head; node; node = node->next)
-        if (distanceTo(node->tank.position) < distanceTo(goal))
-            goal = node->tank.position;
-    rollTo(goal);
-    keysHeld[SDLK_UP] &= distanceTo(goal) > 400;
-    keysHeld[SDLK_DOWN] |= distanceTo(goal) <= 400;
+    const float x = place % 8192 - 4096.0f, z = place / 8192 % 2048 * 4 - 4096.0f;
+    holdKeysToward(vectorInit(x, 0, z), keysHeld);
+    keysHeld[SDLK_i] = frame % 1000 == 999;
 }
 
 // The pixels are a pattern in the first megabytes and black after them.
@@ -238,78 +191,58 @@ static const struct
     {"TexTank.tga", "Loading Tank", "...FAILED TO MAKE TANK LIST\n"},
 };
 
-// A whole folder of them; the current directory from then on. side is that of the land in samples.
+// All of them. side is that of the land in samples.
 static void makeImages(int side)
 {
-    static const bool isThere = mkdir("images", 0755) != 2 && chdir("images") == 0;
-    ASSERT_TRUE(isThere);
     for (const auto &image : IMAGES)
         writeImage(image.file, 8, 8, 24, 2, 8L * 8 * 3);
     writeImage("Map.tga", side, side, 24, 2, 3L * side * side);
     writeImage("MapTex.tga", side, side, 32, 2, 4L * side * side);
 }
 
-// Nobody may be met twice.
-template <size_t COUNT> static void meet(std::bitset<COUNT> *met, int id)
-{
-    require(!met->test(static_cast<size_t>(id)), "someone is twice");
-    met->set(static_cast<size_t>(id));
-}
-
 static void checkWorld()
 {
     std::bitset<20000> people;
     std::bitset<1500> tanks;
+    size_t met = 0;
     for (PersonNode **cell : peopleLst->buckets)
-        for (const PersonNode *node = *cell; node; node = node->next)
-            meet(&people, node->person.id);
-    for (const TankNode *node = tankLst->head; node; node = node->next)
-        meet(&tanks, node->tank.id);
+        for (const PersonNode *node = *cell; node; node = node->next, ++met)
+            people.set(static_cast<size_t>(node->person.id));
+    for (const TankNode *node = tankLst->head; node; node = node->next, ++met)
+        tanks.set(static_cast<size_t>(node->tank.id));
     for (const Shot *shot = shotLst->head; shot && shot->next; shot = shot->next)
         require(shot->id > shot->next->id, "shots are out of order");
     const size_t crushed = 10 * (20000 - people.count()) + 50 * (1500 - tanks.count());
+    require(met == people.count() + tanks.count(), "someone is twice");
     require(people.count() == size_t(peopleLst->count), "people are lost");
-    require(play.failingCall || size_t(cb.score) == crushed,
-            "the score is not that of the crushed");
-}
-
-static void mix(std::string *world, const void *data, size_t bytes)
-{
-    world->append(static_cast<const char *>(data), bytes);
+    require(play.failingCall || size_t(cb.score) == crushed, "points of nobody");
 }
 
 // Only values without padding.
-template <typename... Values> static void mixAll(std::string *world, Values... values)
+template <typename... Values> static void mix(std::string *world, const Values &...values)
 {
-    (mix(world, &values, sizeof(values)), ...);
+    (world->append(reinterpret_cast<const char *>(&values), sizeof(values)), ...);
 }
 
-// Of every field of the world that is neither an address nor an OpenGL name.
+// Of all that play changes in the world, but for OpenGL names.
 static uint64_t worldHash()
 {
     std::string world;
-    mixAll(&world, cb.score, cb.size, cb.targetSize, cb.growthRate, cb.spinLimit, cb.heading,
-           cb.mass, cb.inverseMass, cb.inertia, cb.inverseInertia, cb.position, cb.orientation,
-           cb.momentum, cb.angularMomentum, cb.velocity, cb.angularVelocity, cb.spin, cb.force,
-           cb.torque, cam, peopleLst->count, peopleLst->bucketCount, peopleLst->steprate,
-           shotLst->nextId, VIEW_DISTANCE, SHADOW, TERRAIN_DEFORMING, WIRE_FRAME, TRANSPARENCY,
-           gameOver, shadowSwitchTime, ratio, timeH, skyBoxSize, savedImages, ter.scale,
-           ter.inverseScale, ter.worldWidth, ter.worldDepth, ter.width, ter.height, rand());
+    mix(&world, cb.score, cb.size, cb.targetSize, cb.growthRate, cb.spinLimit, cb.heading, cb.mass,
+        cb.inertia, cb.inverseInertia, cb.position, cb.orientation, cb.momentum, cb.angularMomentum,
+        cb.velocity, cb.angularVelocity, cb.spin, cb.force, cb.torque, cam, peopleLst->count,
+        shotLst->nextId, VIEW_DISTANCE, SHADOW, gameOver, shadowSwitchTime, timeH, rand());
     for (int x = 0; x < ter.width; ++x)
-    {
-        mix(&world, ter.map[x], ter.height * sizeof(float));
-        mix(&world, ter.normals[x], ter.height * sizeof(Vector));
-        mix(&world, ter.colours[x], ter.height * sizeof(Colour));
-    }
-    for (int b = 0; b < ter.blocksX * ter.blocksZ; ++b)
-        mixAll(&world, ter.displayLists[b / ter.blocksZ][b % ter.blocksZ] == DIRTY_LIST ? 1 : 0);
+        for (int z = 0; z < ter.height; ++z)
+            mix(&world, ter.map[x][z], ter.normals[x][z], ter.colours[x][z]);
     for (PersonNode **cell : peopleLst->buckets)
         for (const PersonNode *node = *cell; node; node = node->next)
-            mix(&world, &node->person, offsetof(Person, frontImage));
+            mix(&world, node->person.id, node->person.position, node->person.velocity,
+                node->person.direction);
     for (const TankNode *node = tankLst->head; node; node = node->next)
-        mixAll(&world, node->tank);
+        mix(&world, node->tank);
     for (const Shot *shot = shotLst->head; shot; shot = shot->next)
-        mix(&world, shot, offsetof(Shot, next));
+        mix(&world, shot->id, shot->position, shot->velocity, shot->heading);
     return std::hash<std::string>()(world);
 }
 
@@ -324,8 +257,7 @@ static std::string expectedLog(int i, const std::string &fault, bool isUsed)
     return "^" + log.substr(0, at) + fault + (on < log.size() ? log.substr(on) : then);
 }
 
-// Returns the kilobytes that it takes.
-static long spoil(const char *file, const std::string &how)
+static void spoil(const char *file, const std::string &how)
 {
     int width, height, depth, type;
     long bytes = 0;
@@ -333,25 +265,14 @@ static long spoil(const char *file, const std::string &how)
         writeImage(file, width, height, depth, type, bytes);
     else
         EXPECT_EQ(system(("F=" + std::string(file) + "; " + how).c_str()), 0);
-    return bytes / 1024;
 }
 
-static long peakKilobytes(int whose)
+TEST(HostileFolder, IsReportedLineByLine)
 {
-    rusage usage;
-    getrusage(whose, &usage);
-    return usage.ru_maxrss;
-}
-
-TEST(HostileFolder, IsReportedAndTakesNoMoreMemoryThanItHolds)
-{
-    makeImages(SIDE);
-    expectGame({}, expectedLog(0, "", true));
-    const long usual = peakKilobytes(RUSAGE_CHILDREN);
-    long largest = 0;
     std::ifstream table(ROBUST_DIR "/folders.txt");
-    for (std::string which, how, end, fault;
-         getline(table, which, '|') && getline(table, how, '|');)
+    int rows = 0;
+    for (std::string which, how, end, fault; getline(table, which, '|') && getline(table, how, '|');
+         ++rows)
     {
         getline(getline(table, end, '|'), fault);
         fault += fault.empty() ? "" : "\n";
@@ -359,19 +280,13 @@ TEST(HostileFolder, IsReportedAndTakesNoMoreMemoryThanItHolds)
         {
             SCOPED_TRACE(IMAGES[i].file + (": " + how));
             makeImages(SIDE);
-            long held = spoil(IMAGES[i].file, how);
+            spoil(IMAGES[i].file, how);
             if (which == "maps")
-                held += spoil("MapTex.tga", how.substr(how.find('&') + 1));
-            largest = std::max(largest, held);
-            const std::string log = expectedLog(i, fault, end == "used");
-            setfsuid(65534); // permissions hold for nobody, if not for root
-            prctl(PR_SET_DUMPABLE, 1);
-            expectGame({}, log);
-            setfsuid(0);
-            EXPECT_LT(peakKilobytes(RUSAGE_CHILDREN), usual + ROBUST_SLACK + 12 * largest);
+                spoil("MapTex.tga", how.substr(how.find('&') + 1));
+            expectGame({}, expectedLog(i, fault, end == "used"));
         }
     }
-    EXPECT_GT(largest, 60000) << "the table was read to its end";
+    EXPECT_EQ(rows, 37) << "the table was read to its end";
 }
 
 // What is said when an allocation of so many bytes fails, as a regular expression.
@@ -419,25 +334,24 @@ TEST(FailedAllocation, EndsTheStartInAnOrderlyWay)
 TEST(FailedAllocation, LosesNobodyInPlay)
 {
     makeImages(256);
-    Play script = {40, nullptr, [](int) { return 100; }};
-    script.failsInPlay = true;
-    script.script = [](int now)
+    const auto script = [](int now)
     {
         if (now == 0)
             cb.position = vectorInit(0, 300, 0);
         checkWorld();
     };
-    failEachPlace(script);
+    Play hungry = {40, script, [](int) { return 100; }};
+    hungry.failsInPlay = true;
+    failEachPlace(hungry);
 }
 
 TEST(Clock, NoStepLosesAnybodyWhereverTheCubeIs)
 {
-    const std::tuple<const char *, int (*)(int), uint32_t> rows[] = {
-        {"no time passes", [](int) { return 0; }, 1000},
-        {"a millisecond", [](int) { return 1; }, 1000},
-        {"half a second", [](int) { return 500; }, 1000},
-        {"stopped and continued", [](int now) { return now % 50 == 49 ? 10000 : 33; }, 1000},
-        {"the tick counter wraps", [](int) { return 33; }, 0u - 3000u},
+    const std::pair<const char *, int (*)(int)> rows[] = {
+        {"none or a millisecond", [](int now) { return now % 2; }},
+        {"half a second or ten", [](int now) { return now % 50 == 49 ? 10000 : 500; }},
+        {"stopped and continued", [](int now) { return now % 50 == 49 ? 10000 : 33; }},
+        {"leaps ahead and wraps", [](int now) { return now % 80 == 79 ? INT_MIN : 33; }},
     };
     const auto script = [](int now)
     {
@@ -448,74 +362,10 @@ TEST(Clock, NoStepLosesAnybodyWhereverTheCubeIs)
             cb.position.x = cb.position.y = PLACES[(now - 130) / 10 % 7];
     };
     makeImages(256);
-    for (const auto &[what, step, firstTick] : rows)
+    for (const auto &[what, step] : rows)
     {
         SCOPED_TRACE(what);
-        expectGame({200, script, step, firstTick}, "");
-    }
-}
-
-TEST(Replay, GivesTheSameWorldToTheLastBit)
-{
-    makeImages(1024); // so wide that most of the crowd is out of sight
-    static long early;
-    const auto script = [](int now)
-    {
-        rollAround();
-        if (now % 450 == 0)
-            checkWorld();
-        if (now == play.frames / 10) // the first minute is over
-            early = peakKilobytes(RUSAGE_SELF);
-        if (now < play.frames)
-            return;
-        const long growth = peakKilobytes(RUSAGE_SELF) - early;
-        require(growth < early / 100 + ROBUST_SLACK, "memory grows");
-        report->hash = worldHash();
-    };
-    uint64_t hashes[2]; // after ten minutes each
-    for (uint64_t &hash : hashes)
-    {
-        expectGame({10350, script, [](int now) { return 16 + now * 7919 % 85; }}, "");
-        hash = report->hash;
-    }
-    EXPECT_EQ(hashes[0], hashes[1]);
-    std::ofstream("../replay.hash") << hashes[0] << "\n"; // for a comparison of the builds
-}
-
-// Rounding differences of processors have not grown by then: some contacts and a few seconds on,
-// the figures hold to a unit, a degree, and to the last point and shot.
-TEST(Replay, ComesOutAsEverInItsFirstSeconds)
-{
-    static const Figures rows[] = {
-        {50, {28.3f, 403.8f, 53.1f}, {-183.9f, 489.5f, -2506.6f}, 45.1f, 102.23f, 50, 0},
-        {150, {323.6f, 340.1f, 242.7f}, {-105.8f, 555.7f, -884.2f}, 26.8f, 91.74f, 200, 20},
-        {400, {631.4f, 376.1f, 350.9f}, {317.3f, 1119.4f, 684.1f}, -110.1f, 9.04f, 220, 43}, // over
-    };
-    const auto script = [](int now)
-    {
-        if (now == 0)
-        {
-            cb.position = vectorInit(0, 400, 0);
-            cb.momentum = vectorInit(0, 0, 0);
-        }
-        rollAround();
-        for (size_t i = 0; i < std::size(rows); ++i)
-            if (now == rows[i].frame)
-                report->figures[i] = {now,     cb.position, cam.position,   cb.heading,
-                                      cb.size, cb.score,    shotLst->nextId};
-    };
-    makeImages(256);
-    expectGame({400, script, [](int) { return 20; }}, "");
-    for (size_t i = 0; i < std::size(rows); ++i)
-    {
-        SCOPED_TRACE(rows[i].frame);
-        const Figures &row = rows[i], &actual = report->figures[i];
-        EXPECT_TRUE(isNear(actual.cube, row.cube, 1));
-        EXPECT_TRUE(isNear(actual.eye, row.eye, 1));
-        EXPECT_NEAR(actual.heading, row.heading, 1);
-        EXPECT_NEAR(actual.size, row.size, 0.1);
-        EXPECT_EQ(actual.score, row.score);
-        EXPECT_EQ(actual.shots, row.shots);
+        expectGame({200, script, step}, "");
     }
 }
 
@@ -533,35 +383,91 @@ static void checkNames()
     require(lists == blocks + 3 && textures == 4, "OpenGL names are lost");
 }
 
-TEST(Soak, LosesNothing)
+static long peakKilobytes()
 {
-    static long early;
+    rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+// A long life: charmed at first; for the second half it gives itself up.
+static void live(int now)
+{
+    static long early; // kilobytes
+    const bool isCharmed = now < play.frames / 2;
+    cb.targetSize = isCharmed ? std::max(cb.targetSize, 100.0f) : std::min(cb.targetSize, 40.0f);
+    rollAround();
+    if (now % 100 == 0)
+        checkWorld();
+    if (now == play.frames / 10)
+        early = peakKilobytes();
+    if (now < play.frames)
+        return;
+    require(gameOver == 1, "the game is not over");
+    // OpenGL's display lists take more than the world: Mesa seems to keep a large store of vertices
+    // until its last list is deleted.
+    const long slack = play.onDisplay ? early / 4 : early / 100 + ROBUST_SLACK;
+    require(peakKilobytes() - early < slack, "memory grows");
+    if (play.onDisplay)
+        checkNames();
+    report->hash = worldHash();
+}
+
+TEST(Replay, GivesTheSameWorldToTheLastBit)
+{
+    makeImages(1024);   // so wide that most of the crowd is out of sight
+    uint64_t hashes[2]; // after ten minutes each
+    for (uint64_t &hash : hashes)
+    {
+        expectGame({10350, live, [](int now) { return 16 + now * 7919 % 85; }}, "");
+        hash = report->hash;
+    }
+    EXPECT_EQ(hashes[0], hashes[1]);
+    std::ofstream("replay.hash") << hashes[0] << "\n"; // for a comparison of the builds
+}
+
+// Rounding differences of processors have not grown by then: some contacts and a few seconds on,
+// the figures hold to a unit, a degree, and to the last point and shot.
+TEST(Replay, ComesOutAsEverInItsFirstSeconds)
+{
+    static const struct
+    {
+        int frame;
+        Vector cube, eye; // positions
+        float heading, size;
+        int score, shots; // shots: fired so far
+    } rows[] = {
+        {50, {28.3f, 403.8f, 53.1f}, {-183.9f, 489.5f, -2506.6f}, 45.1f, 102.23f, 50, 0},
+        {150, {323.6f, 340.1f, 242.7f}, {-105.8f, 555.7f, -884.2f}, 26.8f, 91.74f, 200, 20},
+        {400, {631.4f, 376.1f, 350.9f}, {317.3f, 1119.4f, 684.1f}, -110.1f, 9.04f, 220, 43}, // over
+    };
     const auto script = [](int now)
     {
-        if (now < play.frames / 2) // charmed; then it gives itself up
-            cb.targetSize = std::max(cb.targetSize, 100.0f);
-        now < play.frames / 2 ? rollAround() : seekFire();
-        if (now % 100 == 0)
-            checkWorld();
-        if (now == std::min(5000, play.frames / 2))
-            early = peakKilobytes(RUSAGE_SELF);
-        if (now < play.frames)
-            return;
-        checkNames();
-        const long late = peakKilobytes(RUSAGE_SELF);
-        snprintf(report->text, sizeof(report->text),
-                 "%d frames, %ld kB, then %ld kB, %d people, %d points, %d shots", now, early, late,
-                 peopleLst->count, cb.score, shotLst->nextId);
-        require(gameOver == 1, "the game is not over");
-        // The world itself stays within a hundredth, as the replay shows. OpenGL's display lists
-        // take more: Mesa seems to keep a large store of vertices until its last list is deleted.
-        require((late - early) * 4 < early, "memory grows");
+        if (now == 0)
+        {
+            cb.position = vectorInit(0, 400, 0);
+            cb.momentum = vectorInit(0, 0, 0);
+        }
+        rollAround();
+        for (const auto &row : rows)
+            if (now == row.frame)
+            {
+                require(isNear(cb.position, row.cube, 1), "the cube is elsewhere");
+                require(isNear(cam.position, row.eye, 1), "the eye is elsewhere");
+                require(std::fabs(cb.heading - row.heading) <= 1, "the cube faces elsewhere");
+                require(std::fabs(cb.size - row.size) <= 0.1, "the cube has another size");
+                require(cb.score == row.score && shotLst->nextId == row.shots, "more or less fire");
+            }
     };
+    makeImages(256);
+    expectGame({400, script, [](int) { return 20; }}, "");
+}
+
+TEST(Soak, LosesNothing)
+{
     const char *frames = getenv("FRAMES");
     makeImages(512);
-    Play soak = {frames ? atoi(frames) : 4000, script};
+    Play soak = {frames ? atoi(frames) : 2000, live};
     soak.onDisplay = true;
-    soak.drawnEvery = 10;
     expectGame(soak, "");
-    puts(report->text);
 }

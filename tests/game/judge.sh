@@ -1,0 +1,39 @@
+# shellcheck shell=bash
+# judge.sh - plays a game and judges what it prints and shows. Sourced.
+judge=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+# shellcheck source=tools/virtual.sh
+source "$judge/../../tools/virtual.sh"
+COLOURS_OF_A_WORLD=50 # fewer in a picture, and nothing is drawn in it
+
+expectLines() # head|tail FILE: what standard error begins or ends with
+{
+    diff "$2" <("$1" -n "$(wc -l <"$2")" "$scratch/err") || complain "the $1 is not as expected"
+}
+
+expectOrderlyEnd() # FILE [LINE]: how standard error ends, and what standard output holds
+{
+    waitForEnd 30
+    ((gameStatus == 0)) || complain "status $gameStatus:" "$(tail -n 20 "$scratch/err")"
+    expectLines tail "$judge/$1"
+    diff <(printf '%s' "${2+$2$'\n'}") "$scratch/out" || complain "standard output is another"
+}
+
+showsAWorldAndEnds() # once startGame has started it
+{
+    waitForPlay
+    grab "$scratch/picture.png"
+    (($(identify -format %k "$scratch/picture.png") >= COLOURS_OF_A_WORLD)) ||
+        complain "there is no world to be seen"
+    xdotool keydown Escape
+    expectOrderlyEnd quit.txt
+    xdotool keyup Escape
+    expectLines head "$judge/start.txt"
+}
+
+# From a folder that has nothing to do with it, with arguments that it ignores.
+playsInstalled() # LAUNCHER [COMMAND...], that runs it
+{
+    # shellcheck disable=SC2016 # the launcher's shell expands it
+    startGame "$1" / "${@:2}" sh -c 'exec "$0" --windowed 2'
+    showsAWorldAndEnds
+}

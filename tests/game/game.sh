@@ -27,6 +27,65 @@ showsAWorld()
     showsAWorldAndEnds
 }
 
+# In the air nothing but the keys turns the cube: the torques that stand there beside no force.
+torquesInTheAir()
+{
+    awk '/^\tForce: / { air = /\(0,0,0\)/ } /^\tTorque: / && air && !/\(0,0,0\)/' "$scratch/err"
+}
+
+holds() # PART EXPRESSION: of the picture, by the means of its colours
+{
+    (($(convert "$scratch/picture.png" -crop "$1" -format "%[fx:$2]" info:)))
+}
+
+# Blue above; below something else, neither dark, bright nor flat.
+showsSkyAboveLand()
+{
+    grab "$scratch/picture.png" && holds 1024x60+0+0 'mean.b - mean.r > 0.15' &&
+        holds 1024x60+0+708 'mean.g > mean.b && mean > 0.1 && mean < 0.8' &&
+        holds 1024x60+0+708 'standard_deviation > 0.02'
+}
+
+isLow()
+{
+    local y
+    read -r _ y _ < <(cubeVector Position) && ((y < 600))
+}
+
+# The view is up into the sky at first, and it leaps with the cube when slow frames let that bounce:
+# the game is stopped shortly before the cube lands.
+pictureShowsSkyAboveLand()
+{
+    local attempt
+    for attempt in {1..6}; do
+        play
+        xdotool keydown i
+        waitFor 60 isLow || complain "the cube does not fall"
+        kill -s STOP "$gamePid"
+        ! showsSkyAboveLand || return 0
+        echo "picture $attempt does not show the sky above the land"
+        stop KILL "$gamePid"
+    done
+    complain "no picture shows it"
+}
+
+# The long frames of a busy machine may land the cube before the key comes.
+upRollsTheCube()
+{
+    local attempt
+    for attempt in {1..6}; do
+        play
+        [[ -z $(torquesInTheAir) ]] || complain "a torque without a key"
+        xdotool keydown Up
+        askForBlocks 5
+        [[ -z $(torquesInTheAir) || $(cubeVector "Angular Momentum") == "0 0 0" ]] || return 0
+        echo "no torque from Up in game $attempt"
+        xdotool keyup Up
+        stop KILL "$gamePid"
+    done
+    complain "Up does not roll the cube"
+}
+
 closingQuits()
 {
     play

@@ -2,15 +2,38 @@
 
 constexpr float M = 1e6f; // mass of the cube at the start
 
+static Vector perMass(Vector v)
+{
+    return vectorMultiply(v, 1 / M);
+}
+
 TEST_F(World, CubeStartsAboveTheEdgeOfTheLandFliesTowardsItsMiddleAndFalls)
 {
     EXPECT_NEAR(cb.inertia, 1e10 / 6, 1);
-    for (int corner : {0, CUBE_CORNERS + 1}) // there is none
-        EXPECT_TRUE(isNear(getCorner(&cb, corner), cb.position, 0));
     updateCube(&cb, 0.02f);
     EXPECT_TRUE(isNear(cb.position, {0, 1999.92f, -3980}, 1e-3));
     EXPECT_TRUE(isNear(cb.velocity, {0, -4, 1000}, 1e-3));
     EXPECT_TRUE(isNear(cb.angularVelocity, {0, 0, 0}, 0));
+}
+
+TEST_F(World, ForcesMoveAndTurnTheCubeInTheNextStepAndAreSpent)
+{
+    const float inertia = static_cast<float>(cb.inertia);
+    cb.orientation = {0.70710678f, 0.70710678f, 0, 0}; // a quarter about x
+    cb.mass = 2 * M;                                   // grown; its momentum moves it as before
+    cb.momentum = {0, 0, 0};
+    applyForce(&cb, {2 * M, 3 * M, 4 * M}, vectorAdd(cb.position, {5, -10, 20}));
+    EXPECT_TRUE(isNear(perMass(cb.torque), {-100, 20, 35}, 1e-3));
+    cb.torque = {20 * inertia, 40 * inertia, 60 * inertia};
+    updateCube(&cb, 0.1f);
+    EXPECT_TRUE(isNear(cb.velocity, {0.2f, -39.7f, 0.4f}, 1e-4));
+    EXPECT_TRUE(isNear(cb.position, {0.02f, 1996.03f, -3999.96f}, 1e-3));
+    EXPECT_TRUE(isNear(cb.angularVelocity, {2, 4, 6}, 1e-4));
+    // Half a step of the spin is (0.1, 0.2, 0.3); times the orientation, and brought to length 1.
+    const Quaternion q = quaternionMultiplyFloat(cb.orientation, std::sqrt(2.28f));
+    EXPECT_NEAR(q.w, 0.9, 1e-5);
+    EXPECT_TRUE(isNear({q.x, q.y, q.z}, {1.1f, 0.5f, 0.1f}, 1e-5));
+    EXPECT_TRUE(isNear(cb.force, {0, 0, 0}, 0) && isNear(cb.torque, {0, 0, 0}, 0));
 }
 
 TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
@@ -38,6 +61,26 @@ TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
         EXPECT_NEAR(cube.mass - M, row.gainedMass, 1e-3);
         EXPECT_NEAR(cube.velocity.z, row.speed, 1e-3);
         EXPECT_EQ(gameOver, row.over);
+        EXPECT_NEAR(cube.spinLimit, 6 - row.newSize / 50, 1e-5);
+        const double edge = row.gainedMass != 0 ? cube.size : cb.size;
+        EXPECT_NEAR(cube.inverseInertia * cube.mass * edge * edge / 6, 1, 1e-6);
+    }
+}
+
+TEST_F(World, CornersAreNumberedAndTurnWithTheCube)
+{
+    const Vector signs[] = {{},          {1, -1, 1}, {1, 1, 1},   {1, 1, -1},   {1, -1, -1},
+                            {-1, -1, 1}, {-1, 1, 1}, {-1, 1, -1}, {-1, -1, -1}, {}};
+    cb.position = {1000, 2000, 3000};
+    cb.orientation = {0.5f, 0.5f, 0.5f, 0.5f}; // x turns to y, y to z, z to x
+    cb.velocity = {100, 200, 300};
+    cb.angularVelocity = {2, 3, 5};
+    for (int corner = 0; corner <= 9; ++corner)
+    {
+        const float x = 50 * signs[corner].z, y = 50 * signs[corner].x, z = 50 * signs[corner].y;
+        EXPECT_TRUE(isNear(getCorner(&cb, corner), {1000 + x, 2000 + y, 3000 + z}, 1e-3));
+        EXPECT_TRUE(isNear(getCornerVelocity(&cb, corner),
+                           {100 + 3 * z - 5 * y, 200 + 5 * x - 2 * z, 300 + 2 * y - 3 * x}, 1e-2));
     }
 }
 
@@ -59,4 +102,51 @@ TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
         EXPECT_EQ(cubeCovers(&cb, body, 50), row.covers) << row.off;
         EXPECT_EQ(cubeCrushes(&cb, body), row.crushes) << row.off;
     }
+}
+
+TEST_F(World, OnlyTheDeepestCornerAndTheOneThatWasItBeforeArePushedOut)
+{
+    const struct
+    {
+        float depth[4]; // of the lower corners 1, 4, 5 and 8; negative above the ground
+        float kept[4];
+    } rows[] = {
+        {{5, 2, 4, -9}, {5, 0, 0, 0}},
+        {{2, 5, 4, -9}, {2, 5, 0, 0}},
+        {{-3, 4, -9, -9}, {0, 4, 0, 0}},
+        {{1, 2, -9, 3}, {0, 2, 0, 3}},
+    };
+    const Vector arms[4] = {{50, -50, 50}, {50, -50, -50}, {-50, -50, 50}, {-50, -50, -50}};
+    cb.position = {0, 50, 0};
+    TERRAIN_DEFORMING = 0;
+    for (const auto &row : rows)
+    {
+        Vector force = {0, 0, 0}, torque = {0, 0, 0};
+        cb.force = cb.torque = {0, 0, 0};
+        for (int k = 0; k < 4; ++k)
+        {
+            ter.map[k < 2 ? 107 : 103][k % 2 ? 93 : 97] = row.depth[k];
+            const Vector push = {0, 12 * row.kept[k], 0};
+            force = vectorAdd(force, push);
+            torque = vectorAdd(torque, vectorCrossProduct(arms[k], push));
+        }
+        collideCubeTerrain();
+        EXPECT_TRUE(isNear(perMass(cb.force), force, 0.1)) << row.depth[0];
+        EXPECT_TRUE(isNear(perMass(cb.torque), torque, 1)) << row.depth[0];
+    }
+}
+
+TEST_F(World, SpinningCubeDentsTheGroundWhereItsCornersFallAndIsHeldWhereTheyRise)
+{
+    cb.position = {0, 47, 0};
+    cb.velocity = {0, -100, 0};
+    cb.angularVelocity = {0, 0, 3}; // 150 units/s up at x = 50, down at x = -50
+    collideCubeTerrain();
+    for (int z : {93, 97})
+    {
+        EXPECT_FLOAT_EQ(ter.map[103][z], -2) << "250 units/s times 0.02 times 0.4";
+        EXPECT_EQ(ter.map[107][z], 0);
+    }
+    // Corner 1 is pushed: the spring, less the damping, and the friction of its foot.
+    EXPECT_TRUE(isNear(perMass(cb.force), {-6 * 150, 12 * 3 - 0.1f * 50 * 3, 0}, 1e-2));
 }

@@ -1,18 +1,64 @@
 #include "fixtures.h"
 
-TEST_F(World, NormalsStandOnTheTriangleAtEachSampleAndTheEdgesCopyThem)
+TEST_F(World, LandIsBuiltFromItsImages)
 {
-    for (int i = 0; i < 210 * 190; ++i)
-        ter.map[i / 190][i % 190] = static_cast<float>(i * 37 % 101);
-    computeTerrainNormals(&ter);
-    for (int x = 0; x < 210; ++x)
-        for (int z = 0; z < 190; ++z)
+    constexpr int SIDE = 25; // the least
+    Bytes heights = tga(2, SIDE, SIDE, 32, {}), colours = tga(2, SIDE, SIDE, 24, {});
+    for (int x = 0; x < SIDE; ++x) // rows run along x
+        for (int z = 0; z < SIDE; ++z)
         {
-            const int i = std::min(x, 208), j = std::min(z, 188);
-            float **h = ter.map;
-            const Vector up = {h[i][j + 1] - h[i + 1][j + 1], 25, h[i][j] - h[i][j + 1]};
-            ASSERT_TRUE(isNear(ter.normals[x][z], normalizeVector(up), 1e-5)) << x << ", " << z;
+            const uint8_t level = uint8_t(x * x * 3 + z * 8 + x * z);
+            heights.insert(heights.end(), {1, 2, 3, level}); // the last byte
+            colours.insert(colours.end(), {uint8_t(100 + z), uint8_t(x), level});
+            ter.map[x][z] = level / 256.0f * 600;
         }
+    writeFile("Map.tga", heights);
+    writeFile("MapTex.tga", colours);
+    Terrain built = {};
+    ASSERT_EQ(initTerrain(&built), 1);
+    for (int x = 0; x < SIDE; ++x)
+        for (int z = 0; z < SIDE; ++z)
+        {
+            const Colour &colour = built.colours[x][z];
+            const Vector expected = {ter.map[x][z] / 600, x / 256.0f, (100 + z) / 256.0f};
+            ASSERT_TRUE(isNear({colour[0], colour[1], colour[2]}, expected, 1e-6));
+        }
+    for (int sweep = 0; sweep < 3; ++sweep)
+        smoothSelectedArea(&ter, 0, SIDE, 0, SIDE);
+    for (int x = 0; x < SIDE; ++x)
+        for (int z = 0; z < SIDE; ++z)
+        {
+            ASSERT_EQ(built.map[x][z], ter.map[x][z]) << x << ", " << z;
+            const int i = std::min(x, SIDE - 2), j = std::min(z, SIDE - 2); // the edges copy
+            float **h = built.map;
+            const Vector up = {h[i][j + 1] - h[i + 1][j + 1], 25, h[i][j] - h[i][j + 1]};
+            ASSERT_TRUE(isNear(built.normals[x][z], normalizeVector(up), 1e-5)) << x << ", " << z;
+        }
+    deleteTerrain(&built);
+}
+
+TEST_F(World, SmoothingSpreadsASpikeByHalvesMostFromTheFirstEdges)
+{
+    const struct
+    {
+        int x, z;
+        float share; // that stays at the spike, along each axis: 2/3 at first, 1/3, 1/2 at last
+    } rows[] = {
+        {105, 95, 1 / 9.0f},
+        {0, 189, 1 / 3.0f},
+        {209, 95, 1 / 6.0f},
+        {0, 0, 4 / 9.0f},
+    };
+    for (const auto &row : rows)
+    {
+        ter.map[row.x][row.z] = 900;
+        smoothTerrain(&ter);
+        for (int x = 0; x < 210; ++x)
+            for (int z = 0; z < 190; ++z)
+                ASSERT_NEAR(std::exchange(ter.map[x][z], 0),
+                            std::ldexp(900 * row.share, -abs(x - row.x) - abs(z - row.z)), 1e-3)
+                    << x << ", " << z;
+    }
 }
 
 TEST_F(World, BlockHeightsHoldEverySampleThatABlockShowsAlsoAfterCraters)
@@ -45,16 +91,19 @@ TEST_F(World, PointsOfTheWorldMapToSamplesAndHeights)
     } rows[] = {
         {12.4f, 6.2f, 105, 95, 7.44f}, {12.6f, -12.6f, 106, 94, 4.96f},
         {0.5f, 24, 105, 96, 9.8f}, // the plane of the other half
+
         {-2625, 0, 0, 95, 0},          {-2624, 0, 0, 95, 73.92f},
         {2600, 0, 209, 95, 0},         {0, -2375, 105, 0, 0},
-        {0, 2350, 105, 189, 0},        {-1, 2349, 105, 189, 73.92f},
-        {9e9f, -9999, 209, 0, 0},      {NAN, INFINITY, 0, 189, 0},
+        {0, 2350, 105, 189, 0},        {0, 2349, 105, 189, 0},
+        {-1, 2349, 105, 189, 73.92f},  {9e9f, -9999, 209, 0, 0},
+        {NAN, INFINITY, 0, 189, 0},
     };
     for (const auto &row : rows)
     {
-        EXPECT_EQ(worldToTerrainX(&ter, row.x), row.sampleX) << row.x;
-        EXPECT_EQ(worldToTerrainZ(&ter, row.z), row.sampleZ) << row.z;
-        EXPECT_NEAR(getHeightAt(&ter, row.x, row.z), row.height, 1e-3) << row.x << ", " << row.z;
+        SCOPED_TRACE(testing::Message() << row.x << ", " << row.z);
+        EXPECT_EQ(worldToTerrainX(&ter, row.x), row.sampleX);
+        EXPECT_EQ(worldToTerrainZ(&ter, row.z), row.sampleZ);
+        EXPECT_NEAR(getHeightAt(&ter, row.x, row.z), row.height, 1e-3);
     }
 }
 
@@ -122,7 +171,7 @@ TEST_F(World, ChangesMarkTheBlocksWithinFiveSamplesOfThemUntilTheyAreDrawn)
     } rows[] = {
         {24, 24, {0, 1, 10}}, {19, 62, {2}}, // six from the next
         {20, 69, {2, 12}},    {62, 20, {20, 21}}, {29, 62, {2, 12}}, {30, 62, {12}},
-        {62, 29, {20, 21}},   {202, 12, {70}},    {62, 180, {}},
+        {62, 29, {20, 21}},   {202, 12, {70}},    {62, 179, {26}},   {62, 180, {}},
     };
     for (const auto &row : rows)
     {
@@ -136,4 +185,12 @@ TEST_F(World, ChangesMarkTheBlocksWithinFiveSamplesOfThemUntilTheyAreDrawn)
     const Ids marks = takeMarks();
     EXPECT_EQ(marks.size(), 8 * 7u - 2 * 3);
     EXPECT_EQ(std::count(marks.begin(), marks.end(), 73), 0);
+}
+
+TEST_F(World, StainsBlendTheNearestSamplesColourAndMarkItsBlock)
+{
+    colourTerrain(&ter, {-588, 999, 885}, 0.6f, 0.2f, 0.1f, 0.7f);
+    const Colour &stained = ter.colours[81][130]; // it was 0.75, 0.5, 0.25
+    EXPECT_TRUE(isNear({stained[0], stained[1], stained[2]}, {0.645f, 0.29f, 0.145f}, 1e-6));
+    EXPECT_EQ(takeMarks(), Ids({35}));
 }

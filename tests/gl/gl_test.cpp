@@ -1,5 +1,15 @@
-// The sky.
+// The sky, and a person at close quarters.
 #include "scene.h"
+
+// In place of SDL: a clock that tests set, and finished frames that stay readable.
+extern "C" uint32_t __wrap_SDL_GetTicks()
+{
+    return fakeTicks;
+}
+
+extern "C" void __wrap_SDL_GL_SwapBuffers()
+{
+}
 
 TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
 {
@@ -26,37 +36,71 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
             EXPECT_PRED2(isAlike, seen(picture, off(row, right, corner / 2 ? 40 : -40)),
                          CORNERS[corner / 2][corner % 2]);
         }
+        // Near its edge the top row mixes with the border, of the colour of the first texel.
+        const Vector edge = off(off(centre, up, 97), right, 40);
+        aim(cam.position, edge, up);
+        drawSkyBox();
+        EXPECT_PRED2(isAlike, seen(look(), edge), (Rgb{255, 158, 0}));
     }
 }
 
-// Dots of another colour along an edge of the box would be a line to the player.
-TEST_F(Scene, NoLineShowsWhereFacesOfTheSkyMeet)
+// Of the one person that there is, at the origin.
+static void expectPerson(float eyeZ, std::vector<float> rows,
+                         std::function<Rgb(float x, float y)> expected)
 {
-    std::filesystem::copy_file(DATA "/TexSkyBox.tga", "TexSkyBox.tga",
-                               std::filesystem::copy_options::overwrite_existing);
-    tgaDestroy(skyBoxImage);
-    initSkyBoxTexture();
-    cam.position = {0, -15, 0}; // the middle of the box is the origin
-    for (const auto &[x, z] : {std::pair{1, 1}, {1, -1}, {-1, -1}, {-1, 1}})
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    aim({0, 10, eyeZ}, {0, 10, 0}, {0, 1, 0});
+    drawHorde(peopleLst, &cb);
+    const Picture picture = look();
+    for (float x = -7; x <= 7; x += 2)
+        for (float y : rows)
+            EXPECT_PRED2(isAlike, seen(picture, {x, y, 0}), expected(x, y)) << x << ", " << y;
+}
+
+constexpr Person AT_ORIGIN = {1, {0, -1, 0}, {}, 0, nullptr, 0, nullptr, 0}; // drawn 1 unit higher
+
+TEST_F(Scene, PersonIsABlackStickFigureFromBothSides)
+{
+    constexpr const char *FIGURE[] = {"-#-#-", "-#-#-", "-#-#-", "-###-",
+                                      "-###-", "#####", "#-#-#"};
+    const auto figure = [&](float x, float y) // in squares of 2 units
     {
-        const Vector top = {100.0f * x, 100, 100.0f * z};
-        aim(cam.position, off(top, {0, 1, 0}, -20), {0.1f, 1, 0.05f}); // at a slant
-        drawSkyBox();
-        const Picture picture = look();
-        const struct
-        {
-            const char *edge;
-            Vector along, across;
-        } edges[] = {{"corner", {0, -1, 0}, {0.7f * z, 0, -0.7f * x}},
-                     {"top along x", {-1.0f * x, 0, 0}, {0, 1, 0}},
-                     {"top along z", {0, 0, -1.0f * z}, {0, 1, 0}}};
-        for (const auto &[edge, along, across] : edges)
-            for (int i = 0; i < 600; ++i)
-            {
-                const Vector at = off(top, along, 5 + 0.1f * i);
-                for (float side : {-1.5f, 1.5f})
-                    ASSERT_PRED2(isAlike, seen(picture, at), seen(picture, off(at, across, side)))
-                        << edge << ", " << i;
-            }
-    }
+        const bool isIn = -4 < x && x < 6 && y < 14;
+        return isIn && FIGURE[int(y / 2)][int(x / 2 + 2)] == '#' ? BLACK : Rgb{51, 102, 153};
+    };
+    glClearColor(0.2f, 0.4f, 0.6f, 1);
+    build(25);
+    addPerson(peopleLst, AT_ORIGIN);
+    for (float eyeZ : {-40.0f, 40.0f})
+        expectPerson(eyeZ, {1, 3, 5, 7, 9, 11, 13, 15}, figure);
+}
+
+TEST_F(Scene, PictureBoardAddsItsPicturesToWhatIsBehind)
+{
+    glClearColor(0, 0, 0.2f, 1);
+    TRANSPARENCY = 1;
+    build(25);
+    addPerson(peopleLst, AT_ORIGIN);
+    for (float eyeZ : {-40.0f, 40.0f})
+        expectPerson(eyeZ, {4, 7, 13, 16},
+                     [&](float x, float y)
+                     {
+                         const Rgb back = x < 0 ? WHITE : BLACK;
+                         Rgb picture =
+                             eyeZ < 0 ? CORNERS[x < 0][y > 10] : back; // the front faces -z
+                         picture[2] = std::max<uint8_t>(picture[2], 51);
+                         return picture;
+                     });
+}
+
+TEST_F(Scene, ScreenGrabReadsBackItsRectangleAsItWasSeen)
+{
+    aim({0, 0, 200}, {0, 0, 0}, {0, 1, 0});
+    drawCube(&cb);
+    ASSERT_EQ(tgaGrabScreenSeries("grab", 400, 250, 900, 600), TGA_OK);
+    TgaImage *grab = tgaLoad("grab0.tga");
+    Bytes seen(500 * 350 * 4);
+    glReadPixels(400, 250, 500, 350, GL_RGBA, GL_UNSIGNED_BYTE, seen.data());
+    EXPECT_EQ(Bytes(grab->imageData, grab->imageData + seen.size()), seen);
+    tgaDestroy(grab);
 }

@@ -18,14 +18,13 @@ inline constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 
 // The corners of the test picture by [s][t]: none is another's mirror image.
 inline constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
 
-inline void writeImage(const char *name, int16_t width, int16_t height, int bytes,
+inline void writeImage(const char *name, int width, int height, int bytes,
                        std::function<Rgb(int, int)> colour)
 {
-    const int count = width * height * bytes;
-    uint8_t *pixels = static_cast<uint8_t *>(malloc(count)); // tgaSave frees it
-    for (int i = 0; i < count; ++i)
-        pixels[i] = colour(i / bytes % width, i / bytes / width)[i % bytes % 3];
-    ASSERT_EQ(tgaSave(name, width, height, static_cast<uint8_t>(bytes * 8), pixels), TGA_OK);
+    Bytes pixels; // blue, green and red, and blue once more as alpha
+    for (int i = 0; i < width * height * bytes; ++i)
+        pixels.push_back(colour(i / bytes % width, i / bytes / width)[2 - i % bytes % 3]);
+    writeFile(name, tga(bytes < 3 ? 3 : 2, width, height, bytes * 8, pixels));
 }
 
 // One video mode for all tests; each starts as start-up does, on a black screen.
@@ -45,9 +44,9 @@ struct Scene : EmptyWorld
     {
         for (const char *name : {"TexCube.tga", "TexSkyBox.tga", "TexPerson.tga"})
             writeImage(name, 10, 8, 3, [](int x, int y) { return CORNERS[x / 5][y / 4]; });
-        writeImage("TexPersonBack.tga", 8, 8, 3, [](int x, int) { return x < 4 ? WHITE : KEY; });
+        writeImage("TexPersonBack.tga", 10, 8, 3, [](int x, int) { return x < 5 ? WHITE : KEY; });
         for (const char *name : {"TexNoise.tga", "TexTank.tga"})
-            writeImage(name, 8, 8, 3, [](int, int) { return Rgb{204, 204, 204}; });
+            writeImage(name, 8, 8, 3, [](int, int) { return WHITE; });
         glPushAttrib(GL_ALL_ATTRIB_BITS);
         glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
         setupOpengl(WIDTH, HEIGHT);
@@ -67,11 +66,11 @@ struct Scene : EmptyWorld
 
 // Side * side samples of some grey level and colour; by itself flat land, 150 units high.
 inline void build(
-    int16_t side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
+    int side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
     std::function<Rgb(int x, int z)> colour = [](int, int) { return WHITE; }, int people = 0,
     int tanks = 0)
 {
-    const auto height = [&](int z, int x) { return Rgb{static_cast<uint8_t>(level(x, z))}; };
+    const auto height = [&](int z, int x) { return Rgb{0, 0, uint8_t(level(x, z))}; };
     writeImage("Map.tga", side, side, 1, height); // rows of the images run along x
     writeImage("MapTex.tga", side, side, 4, [&](int z, int x) { return colour(x, z); });
     ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, people, side, side, 25) &&

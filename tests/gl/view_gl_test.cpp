@@ -7,15 +7,15 @@ namespace
 // Land, people and tanks as many as in the game, on hills that are alike along no two directions.
 struct WholeWorld : Scene
 {
-    void populate(int asPictureBoards)
+    void SetUp() override
     {
+        Scene::SetUp();
         const auto level = [](int x, int z)
         { return int(110 + 70 * std::sin(x / 17.0) + 60 * std::cos(z / 29.0 + x / 90.0)); };
         const auto colour = [](int x, int z) {
             return Rgb{uint8_t(60 + x % 90), uint8_t(120 + z % 80), uint8_t(x * 3 + z)};
         };
         srand(1);
-        TRANSPARENCY = asPictureBoards;
         build(500, level, colour, 20000, 1500);
         randomTankPlacement(tankLst, 500, 500, 25);
         for (TankNode *node = tankLst->head; node; node = node->next)
@@ -45,14 +45,12 @@ constexpr Place PLACES[] = {
     {"along +x", {900, 60, 300}, {-330, 180, 0}, 4000, false},
     {"along -z", {-2100, 50, 800}, {0, 150, 330}, 2500, false},
     {"from below it", {700, 400, -1500}, {140, -330, 60}, 5000, false},
-    {"high up", {-300, 1900, 1200}, {-250, 700, 190}, 9000, false},
     {"steeply down", {40, 60, 70}, {9, 1500, -4}, 6000, false},
     {"straight down", {0, 50, 0}, {0, 900, 0}, 5000, false},
     {"straight up", {300, 1500, 600}, {0, -1300, 0}, 5000, false},
     {"at the lower rim", {-6100, 50, -6050}, {290, 260, 170}, 5000, false},
     {"at the upper rim", {6150, 80, 5900}, {-200, 300, -240}, 14000, false},
     {"off the land, looking back", {6900, 700, -300}, {800, 200, 90}, 14000, false},
-    {"off the land, looking away", {-7300, 300, 200}, {600, 240, -50}, 9000, false},
     {"the land from its corner", {-5800, 900, -5700}, {-400, 500, -330}, 14000, false},
     {"circling after the end", {500, 10, 900}, {-640, 1100, 770}, 4500, true},
     {"over craters", {1500, 90, 240}, {-320, 260, -60}, 5000, false},
@@ -99,7 +97,7 @@ static void drawAllInRange()
     glPopMatrix();
 }
 
-static void comparePictures()
+TEST_F(WholeWorld, LooksTheSameWithoutWhatIsOutOfView)
 {
     for (const Place &place : PLACES)
     {
@@ -109,69 +107,4 @@ static void comparePictures()
         drawAllInRange();
         EXPECT_TRUE(drawn == look()) << place.name;
     }
-}
-
-TEST_F(WholeWorld, LooksTheSameWithoutWhatIsOutOfView)
-{
-    populate(0);
-    comparePictures();
-}
-
-TEST_F(WholeWorld, LooksTheSameWithoutThePictureBoardsThatAreOutOfView)
-{
-    populate(1);
-    comparePictures();
-}
-
-// How many times a list is called by a drawing, which then shows nothing else.
-static int countCalls(uint32_t *list, std::function<void()> draw)
-{
-    std::vector<float> buffer(1 << 22);
-    const uint32_t kept = std::exchange(*list, glGenLists(1));
-    glNewList(*list, GL_COMPILE);
-    glPassThrough(1);
-    glEndList();
-    glFeedbackBuffer(1 << 22, GL_2D, buffer.data());
-    glRenderMode(GL_FEEDBACK);
-    draw();
-    const int size = glRenderMode(GL_RENDER);
-    glDeleteLists(std::exchange(*list, kept), 1);
-    return int(std::count(buffer.begin(), buffer.begin() + size, GL_PASS_THROUGH_TOKEN));
-}
-
-TEST_F(WholeWorld, SendsLittleMoreThanWhatIsInView)
-{
-    populate(0);
-    const struct
-    {
-        const char *name;
-        Place place;
-        int people, tanks; // at the most; without a view some 12,200 and 1,500
-    } cases[] = {{"near", PLACES[0], 1100, 70}, {"far", PLACES[12], 12000, 1100}};
-    const auto countTanks = []
-    { return countCalls(&tankLst->hullList, [] { drawTanks(tankLst, &cb, &ter); }); };
-    for (const auto &c : cases)
-    {
-        drawFrom(c.place);
-        EXPECT_EQ(countTanks(), 1500) << "outside a frame";
-        glLoadIdentity();
-        lookAtCube();
-        const int people = countCalls(&peopleLst->displayList, [] { drawHorde(peopleLst, &cb); });
-        const int tanks = countTanks();
-        EXPECT_TRUE(people > 10 && people < c.people) << c.name << ": " << people;
-        EXPECT_TRUE(tanks > 1 && tanks < c.tanks) << c.name << ": " << tanks;
-        clearView();
-    }
-}
-
-TEST_F(WholeWorld, MarkedBlockOutOfViewStaysMarked)
-{
-    populate(0);
-    drawFrom(PLACES[0]); // looks along +z
-    const uint32_t *behind = &ter.displayLists[10][7], *ahead = &ter.displayLists[10][11];
-    terrainFlagDLDirty(&ter, 262, 187);
-    terrainFlagDLDirty(&ter, 262, 287);
-    drawScreen();
-    EXPECT_EQ(*behind, DIRTY_LIST);
-    EXPECT_NE(*ahead, DIRTY_LIST);
 }

@@ -21,16 +21,20 @@ play()
     waitForPlay
 }
 
+# The cube falls for its first seconds, and nothing but the key turns it.
+upTurnsTheCube()
+{
+    play
+    xdotool keydown Up
+    askForBlocks 5
+    xdotool keyup Up
+    grep -q '^	Torque: (.*[1-9].*)' "$scratch/err" || complain "it has no torque"
+}
+
 showsAWorld()
 {
     start "$DATA"
     showsAWorldAndEnds
-}
-
-# In the air nothing but the keys turns the cube: the torques that stand there beside no force.
-torquesInTheAir()
-{
-    awk '/^\tForce: / { air = /\(0,0,0\)/ } /^\tTorque: / && air && !/\(0,0,0\)/' "$scratch/err"
 }
 
 holds() # PART EXPRESSION: of the picture, by the means of its colours
@@ -67,23 +71,6 @@ pictureShowsSkyAboveLand()
         stop KILL "$gamePid"
     done
     complain "no picture shows it"
-}
-
-# The long frames of a busy machine may land the cube before the key comes.
-upRollsTheCube()
-{
-    local attempt
-    for attempt in {1..6}; do
-        play
-        [[ -z $(torquesInTheAir) ]] || complain "a torque without a key"
-        xdotool keydown Up
-        askForBlocks 5
-        [[ -z $(torquesInTheAir) || $(cubeVector "Angular Momentum") == "0 0 0" ]] || return 0
-        echo "no torque from Up in game $attempt"
-        xdotool keyup Up
-        stop KILL "$gamePid"
-    done
-    complain "Up does not roll the cube"
 }
 
 closingQuits()

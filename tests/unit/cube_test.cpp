@@ -41,13 +41,13 @@ TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
     const struct
     {
         float size, target; // before a step of 0.1 s
-        float newSize, newTarget, gainedMass, speed;
-        int over;
+        float newSize, newTarget, gainedMass;
+        int over; // and it is stopped
     } rows[] = {
-        {100, 260, 145, 250, 225, 1000, 0}, // no target above 250
-        {60, 40, 54, 40, -30, 1000, 0},
-        {50, 50, 50, 50, 0, 1000, 0},
-        {49.999f, 90, 34.9993f, 0, 0, 0, 1}, // and it is stopped
+        {100, 260, 145, 250, 225, 0}, // no target above 250
+        {60, 40, 54, 40, -30, 0},
+        {50, 50, 50, 50, 0, 0},
+        {49.999f, 90, 34.9993f, 0, 0, 1},
     };
     for (const auto &row : rows)
     {
@@ -59,11 +59,9 @@ TEST_F(World, CubeGrowsTowardsItsTargetUntilItIsTooSmallToPlay)
         EXPECT_NEAR(cube.size, row.newSize, 1e-3);
         EXPECT_EQ(cube.targetSize, row.newTarget);
         EXPECT_NEAR(cube.mass - M, row.gainedMass, 1e-3);
-        EXPECT_NEAR(cube.velocity.z, row.speed, 1e-3);
+        EXPECT_EQ(cube.velocity.z == 0, row.over);
         EXPECT_EQ(gameOver, row.over);
         EXPECT_NEAR(cube.spinLimit, 6 - row.newSize / 50, 1e-5);
-        const double edge = row.gainedMass != 0 ? cube.size : cb.size;
-        EXPECT_NEAR(cube.inverseInertia * cube.mass * edge * edge / 6, 1, 1e-6);
     }
 }
 
@@ -101,38 +99,6 @@ TEST_F(World, CubeCoversLessThanHalfItsEdgeAndCrushesAWholeEdgeUpAndDown)
         const Vector body = vectorMultiply(row.off, -1);
         EXPECT_EQ(cubeCovers(&cb, body, 50), row.covers) << row.off;
         EXPECT_EQ(cubeCrushes(&cb, body), row.crushes) << row.off;
-    }
-}
-
-TEST_F(World, OnlyTheDeepestCornerAndTheOneThatWasItBeforeArePushedOut)
-{
-    const struct
-    {
-        float depth[4]; // of the lower corners 1, 4, 5 and 8; negative above the ground
-        float kept[4];
-    } rows[] = {
-        {{5, 2, 4, -9}, {5, 0, 0, 0}},
-        {{2, 5, 4, -9}, {2, 5, 0, 0}},
-        {{-3, 4, -9, -9}, {0, 4, 0, 0}},
-        {{1, 2, -9, 3}, {0, 2, 0, 3}},
-    };
-    const Vector arms[4] = {{50, -50, 50}, {50, -50, -50}, {-50, -50, 50}, {-50, -50, -50}};
-    cb.position = {0, 50, 0};
-    TERRAIN_DEFORMING = 0;
-    for (const auto &row : rows)
-    {
-        Vector force = {0, 0, 0}, torque = {0, 0, 0};
-        cb.force = cb.torque = {0, 0, 0};
-        for (int k = 0; k < 4; ++k)
-        {
-            ter.map[k < 2 ? 107 : 103][k % 2 ? 93 : 97] = row.depth[k];
-            const Vector push = {0, 12 * row.kept[k], 0};
-            force = vectorAdd(force, push);
-            torque = vectorAdd(torque, vectorCrossProduct(arms[k], push));
-        }
-        collideCubeTerrain();
-        EXPECT_TRUE(isNear(perMass(cb.force), force, 0.1)) << row.depth[0];
-        EXPECT_TRUE(isNear(perMass(cb.torque), torque, 1)) << row.depth[0];
     }
 }
 

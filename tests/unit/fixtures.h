@@ -73,13 +73,26 @@ template <typename Node, typename Remove> void expectRemovals(Node *const &head,
     }
 }
 
-// The world of the globals, empty, in a new working directory; no key is held.
+// A new working directory.
+struct Folder
+{
+    Folder()
+    {
+        char folder[] = "/tmp/tumbledown-XXXXXX";
+        std::filesystem::current_path(mkdtemp(folder));
+    }
+    ~Folder()
+    {
+        std::filesystem::remove_all(std::filesystem::current_path());
+        std::filesystem::current_path("/");
+    }
+};
+
+// The world of the globals, empty; no key is held.
 struct EmptyWorld : testing::Test
 {
     EmptyWorld()
     {
-        char folder[] = "/tmp/tumbledown-XXXXXX";
-        std::filesystem::current_path(mkdtemp(folder));
         peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
         tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
         shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
@@ -98,10 +111,9 @@ struct EmptyWorld : testing::Test
         destroyShotList(shotLst);
         deleteTerrain(&ter);
         destroyCube(&cb);
-        std::filesystem::remove_all(std::filesystem::current_path());
-        std::filesystem::current_path("/");
     }
 
+    Folder folder;
     uint8_t held[SDLK_LAST] = {};
 };
 

@@ -46,44 +46,6 @@ TEST_F(World, ImagesOfEveryDepthAreSavedAndLoadedAgain)
     }
 }
 
-static long openFiles()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
-TEST_F(World, StatusTellsWhyAnImageIsRefusedAndNoFileStaysOpen)
-{
-    const long open = openFiles();
-    const struct
-    {
-        const char *what;
-        int type, width, height, depth; // of a file with six bytes of pixels
-        int status, isTexture;
-    } rows[] = {
-        {"colour-mapped", 1, 1, 1, 24, TGA_ERROR_COLOUR_MAP, 0},
-        {"run-length encoded", 10, 1, 1, 24, TGA_ERROR_TYPE, 0},
-        {"too short", 2, 1, 3, 24, TGA_ERROR_READ, 0},
-        {"of negative size", 2, -1, 4, 24, TGA_ERROR_MEMORY, 0},
-        {"too large for the file", 2, 20000, 20000, 32, TGA_ERROR_READ, 0},
-        {"without pixels", 2, 0, 9, 24, TGA_OK, 0},
-        {"of two bytes a pixel", 2, 3, 1, 16, TGA_OK, 0},
-        {"whole", 2, 2, 1, 24, TGA_OK, 1},
-    };
-    for (const auto &row : rows)
-    {
-        SCOPED_TRACE(row.what);
-        writeFile("a.tga", tga(row.type, row.width, row.height, row.depth, {1, 2, 3, 4, 5, 6}));
-        TgaImage *image;
-        uint32_t texture;
-        EXPECT_EQ(loadTexture("", "a.tga", 0, &image, &texture), row.isTexture);
-        EXPECT_EQ(Ids({image->status, image->width, image->height}),
-                  Ids({row.status, row.width, row.height}));
-        tgaDestroy(image);
-    }
-    EXPECT_EQ(std::get<0>(load("none.tga")), TGA_ERROR_OPEN);
-    EXPECT_EQ(openFiles(), open);
-}
-
 TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)
 {
     // Stored as blue, green, red. 0.3 * 128 + 0.59 * 128 + 0.11 * 128 falls short of 128.

@@ -78,6 +78,7 @@ TEST_F(World, PeopleTurnBackAtTheEdgesAndStandOnTheGround)
     } rows[] = {
         {625, -625, {99, 0, -40}, {45, 0, -40}, -48.3665f}, // no faster than 45
         {3, 5, {-99, 0, 77}, {-45, 0, 45}, 135},
+        {3, 5, {2.5f, 0, -4}, {2.5f, 0, -4}, -32.0054f},
         {626, 0, {99, 0, -40}, {-45, 0, 0}, 90},
         {-626, 0, {99, 0, -40}, {45, 0, 0}, 270},
         {0, 626, {99, 0, -40}, {0, 0, -45}, 0},
@@ -101,6 +102,7 @@ TEST_F(World, CrushedPeopleScoreAndStainTheGroundAndOthersMoveOnceAStep)
 {
     addPerson(peopleLst, personAt(1, {50, 0, 600}, {45, 0, 0}));
     addPerson(peopleLst, personAt(4, {0, 0, 608}, {0, 0, 45}));
+    addPerson(peopleLst, personAt(5, {0, 0, -5300}, {0, 0, 45})); // barely in range
     for (float x : {-3.0f, 3.0f})
         addPerson(peopleLst, personAt(2, {x, 0, -550}));
     for (float x : {40000.0f, 0.0f}) // first the cube sees nobody
@@ -113,7 +115,8 @@ TEST_F(World, CrushedPeopleScoreAndStainTheGroundAndOthersMoveOnceAStep)
     ASSERT_EQ(idsFrom(chain(126, 136)), Ids({1}));
     EXPECT_EQ(idsFrom(chain(125, 137)), Ids({4}));
     EXPECT_EQ(chain(126, 136)->person.position.x, 95);
-    EXPECT_EQ(peopleLst->count, 2);
+    EXPECT_EQ(chain(125, 21)->person.position.z, -5255);
+    EXPECT_EQ(peopleLst->count, 3);
     EXPECT_EQ(cb.score, 20);
     EXPECT_EQ(cb.targetSize, 102);
     EXPECT_EQ(ter.displayLists[4][2], DIRTY_LIST) << "the stain is to be drawn";

@@ -2,8 +2,6 @@
 
 TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
 {
-    constexpr SDLKey NONE = SDLK_UNKNOWN, UP = SDLK_UP, DOWN = SDLK_DOWN, LEFT = SDLK_LEFT,
-                     RIGHT = SDLK_RIGHT;
     const struct
     {
         SDLKey keys[2];
@@ -11,13 +9,13 @@ TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
         Vector torque; // in units of size times mass; it was (10, 10, 10)
         float newHeading;
     } rows[] = {
-        {{UP, NONE}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // no faster than the spin limit
-        {{LEFT, NONE}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
-        {{RIGHT, NONE}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // not yet moving
-        {{LEFT, RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
-        {{DOWN, UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90},
-        {{DOWN, UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},
-        {{DOWN, NONE}, 90, 1.6f, 1, 0, 0, {-48, -270, -30}, 90},
+        {{SDLK_UP, SDLK_UNKNOWN}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // at the spin limit
+        {{SDLK_LEFT, SDLK_UNKNOWN}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
+        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // not yet moving
+        {{SDLK_LEFT, SDLK_RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
+        {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90},
+        {{SDLK_DOWN, SDLK_UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},
+        {{SDLK_DOWN, SDLK_UNKNOWN}, 90, 1.6f, 1, 0, 0, {-48, -270, -30}, 90},
     };
     for (const auto &row : rows)
     {

@@ -56,7 +56,7 @@ struct Frame : Scene
 
     static Rgb texel(float s, float t) // of 32 each way
     {
-        return {uint8_t(140 + 3 * s), uint8_t(250 - 2 * t), uint8_t(150 + s + t)};
+        return {uint8_t(60 + 6 * s), uint8_t(250 - 6 * t), uint8_t(150 + s + t)};
     }
 
     void setOut(int things)

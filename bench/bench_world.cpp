@@ -223,10 +223,7 @@ static void tanks()
 
 static void cubeShotsText()
 {
-    glPushMatrix();
-    glTranslatef(cb.position.x, cb.position.y, cb.position.z);
-    drawCube(&cb);
-    glPopMatrix();
+    placeAndDrawCube();
     drawShots(shotLst, &ter);
     glColor3f(0, 0, 0);
     displayScore();

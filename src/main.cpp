@@ -448,7 +448,7 @@ void drawShadow()
     isStencilZero = true;
 }
 
-static void placeAndDrawCube()
+void placeAndDrawCube()
 {
     float angle;
     Vector axis;

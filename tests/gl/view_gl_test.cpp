@@ -81,14 +81,7 @@ static void drawAllInRange()
     drawHorde(peopleLst, &cb);
     drawTanks(tankLst, &cb, &ter);
     renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
-    float angle;
-    Vector axis;
-    quaternionGetAngleAxis(cb.orientation, &angle, &axis);
-    glPushMatrix();
-    glTranslatef(cb.position.x, cb.position.y, cb.position.z);
-    glRotatef(radToDec(angle), axis.x, axis.y, axis.z);
-    drawCube(&cb);
-    glPopMatrix();
+    placeAndDrawCube();
     drawShots(shotLst, &ter);
     glColor3f(0, 0, 0);
     displayScore();

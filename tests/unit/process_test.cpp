@@ -461,7 +461,8 @@ TEST_F(Process, NoStepLosesAnybodyWhereverTheCubeIs)
 }
 
 // Rounding differences of processors have not grown by then: some contacts and a few seconds on,
-// positions hold to a unit and the rest to what it counts.
+// all figures hold to a half. Points count in tens, the sum of where people are in units of 10,000
+// and that of the tanks in units of 1,000.
 TEST_F(Process, GameComesOutAsEverInItsFirstSeconds)
 {
     static const struct

@@ -44,20 +44,28 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
     }
 }
 
-// Of the one person that there is, at the origin.
+constexpr Vector CORNER = {-3000, 0, 3000}; // of the land, where x and z are not alike
+
+static void addOnePerson() // who is drawn 1 unit higher
+{
+    build(256);
+    cb.position = CORNER;
+    addPerson(peopleLst, {1, off(CORNER, {0, 1, 0}, -1), {}, 0, nullptr, 0, nullptr, 0});
+}
+
+// x and y are units from the person's feet.
 static void expectPerson(float eyeZ, std::vector<float> rows,
                          std::function<Rgb(float x, float y)> expected)
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    aim({0, 10, eyeZ}, {0, 10, 0}, {0, 1, 0});
+    aim(vectorAdd(CORNER, {0, 10, eyeZ}), vectorAdd(CORNER, {0, 10, 0}), {0, 1, 0});
     drawHorde(peopleLst, &cb);
     const Picture picture = look();
     for (float x = -7; x <= 7; x += 2)
         for (float y : rows)
-            EXPECT_PRED2(isAlike, seen(picture, {x, y, 0}), expected(x, y)) << x << ", " << y;
+            EXPECT_PRED2(isAlike, seen(picture, vectorAdd(CORNER, {x, y, 0})), expected(x, y))
+                << x << ", " << y;
 }
-
-constexpr Person AT_ORIGIN = {1, {0, -1, 0}, {}, 0, nullptr, 0, nullptr, 0}; // drawn 1 unit higher
 
 TEST_F(Scene, PersonIsABlackStickFigureFromBothSides)
 {
@@ -69,8 +77,7 @@ TEST_F(Scene, PersonIsABlackStickFigureFromBothSides)
         return isIn && FIGURE[int(y / 2)][int(x / 2 + 2)] == '#' ? BLACK : Rgb{51, 102, 153};
     };
     glClearColor(0.2f, 0.4f, 0.6f, 1);
-    build(25);
-    addPerson(peopleLst, AT_ORIGIN);
+    addOnePerson();
     for (float eyeZ : {-40.0f, 40.0f})
         expectPerson(eyeZ, {1, 3, 5, 7, 9, 11, 13, 15}, figure);
 }
@@ -79,8 +86,7 @@ TEST_F(Scene, PictureBoardAddsItsPicturesToWhatIsBehind)
 {
     glClearColor(0, 0, 0.2f, 1);
     TRANSPARENCY = 1;
-    build(25);
-    addPerson(peopleLst, AT_ORIGIN);
+    addOnePerson();
     for (float eyeZ : {-40.0f, 40.0f})
         expectPerson(eyeZ, {4, 7, 13, 16},
                      [&](float x, float y)

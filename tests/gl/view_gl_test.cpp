@@ -99,5 +99,6 @@ TEST_F(WholeWorld, LooksTheSameWithoutWhatIsOutOfView)
         ASSERT_TRUE(glIsEnabled(GL_ALPHA_TEST));
         drawAllInRange();
         EXPECT_TRUE(drawn == look()) << place.name;
+        EXPECT_EQ(screenArea(&cb.position, 1, 800, 400).width, 800) << "there is no view any more";
     }
 }

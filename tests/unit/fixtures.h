@@ -106,9 +106,8 @@ struct EmptyWorld : testing::Test
     }
     ~EmptyWorld() override
     {
-        destroyPersonList(peopleLst);
-        destroyTankList(tankLst);
-        destroyShotList(shotLst);
+        EXPECT_TRUE(destroyPersonList(peopleLst) && destroyTankList(tankLst) &&
+                    destroyShotList(shotLst));
         deleteTerrain(&ter);
         destroyCube(&cb);
     }

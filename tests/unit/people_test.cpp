@@ -30,6 +30,7 @@ TEST_F(World, PeopleAreFiledInTheBucketUnderThem)
         EXPECT_EQ(removePerson(peopleLst, person, row.row, row.column), 1) << row.x;
     }
     EXPECT_EQ(peopleLst->count, 0);
+    EXPECT_EQ(makeList(nullptr, 9, 9, 9, 25), 0);
     for (int id : {1, 2, 3})
         addPerson(peopleLst, personAt(id, {0, 0, 0}));
     EXPECT_EQ(peopleLst->count, 3);

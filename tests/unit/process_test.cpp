@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <set>
@@ -22,7 +23,8 @@ struct Play
     int frames = 0;                               // before Escape is held; 0: start-up alone
     std::function<void(int)> script = [](int) {}; // called before each frame, and after the last
     int (*step)(int) = [](int) { return 33; };    // milliseconds before the step of a frame
-    bool onDisplay = false;   // false: no SDL video, and OpenGL calls that do nothing
+    const char *driver = "dummy"; // of SDL; "x11": on a display, else OpenGL calls do nothing
+    bool hasOpenGL = true;
     int failingCall = 0;      // the allocation that fails, from 1, counted while inPlay is
     bool failsInPlay = false; // this
 };
@@ -53,6 +55,11 @@ template <typename Condition> static void require(const Condition &holds, const 
         return;
     fprintf(stderr, "frame %d: %s: %s\n", frame, fault, result.message());
     _Exit(1);
+}
+
+static bool isOnDisplay()
+{
+    return strcmp(play.driver, "x11") == 0;
 }
 
 // What the linker puts in place of SDL and the C library; first, which allocation is to fail.
@@ -100,7 +107,9 @@ extern "C"
         static SDL_Surface surface = {};
         srand(20011);
         TRANSPARENCY = play.frames == 0; // then all images are read
-        return play.onDisplay ? __real_SDL_SetVideoMode(128, 96, depth, SDL_OPENGL) : &surface;
+        return isOnDisplay()    ? __real_SDL_SetVideoMode(128, 96, depth, SDL_OPENGL)
+               : play.hasOpenGL ? &surface
+                                : nullptr;
     }
 
     Uint32 __wrap_SDL_GetTicks()
@@ -129,7 +138,7 @@ extern "C"
 
     void __wrap_SDL_GL_SwapBuffers()
     {
-        if (play.onDisplay)
+        if (isOnDisplay())
             __real_SDL_GL_SwapBuffers();
         ++frame;
     }
@@ -141,10 +150,16 @@ static std::string contents(const char *file)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+// Puts what is written to standard output into the log, marked.
+static ssize_t logOutput(void *, const char *text, size_t size)
+{
+    return fprintf(stderr, "out: %.*s", int(size), text) < 0 ? -1 : ssize_t(size);
+}
+
 static void playGame(const Play &script)
 {
-    setenv("SDL_VIDEODRIVER", script.onDisplay ? "x11" : "dummy", 1);
-    dup2(STDERR_FILENO, STDOUT_FILENO); // one log, in the order of its lines
+    setenv("SDL_VIDEODRIVER", script.driver, 1);
+    stdout = fopencookie(nullptr, "w", {nullptr, logOutput, nullptr, nullptr});
     setvbuf(stdout, nullptr, _IONBF, 0);
     play = script;
     report->allocations = 0;
@@ -273,6 +288,15 @@ static void expectStart(int i, const std::string &fault, bool isUsed)
     expectGame({}, "^" + log.substr(0, at) + fault + (on < log.size() ? log.substr(on) : then));
 }
 
+TEST_F(Process, WithoutADisplayOrOpenGLItSaysSoAndQuits)
+{
+    Play blind;
+    blind.hasOpenGL = false;
+    expectGame(blind, "^out: Couldn't set Video Mode\n");
+    blind.driver = "none";
+    expectGame(blind, "^out: Couldn't init SDL\n");
+}
+
 TEST_F(Process, WhatIsNoImageIsRefusedWhereverItStands)
 {
     const struct
@@ -384,12 +408,12 @@ TEST_F(Process, MapsAreRefusedUnlessTheyFitEachOther)
 
 // What is said when an allocation of so many bytes fails, as a regular expression.
 static const std::map<size_t, std::string> COMPLAINTS = {
-    {sizeof(PeopleList), "Failed to allocate memory to people list\n"},
+    {sizeof(PeopleList), "out: Failed to allocate memory to people list\n"},
     {sizeof(TankList), "Failed to allocate memory to tank list\n"},
     {sizeof(ShotList), "Failed to allocate memory to shot list\n|display list array"},
     {sizeof(PersonNode), "...FAILED ALLOCATION OF MEMORY!"},
     {8, "ERROR FAILED ALLOCATION AT [0-9]+:[0-9]+\n...FAILED TO MAKE PEOPLE LIST\n|"
-        "display list array not initialised\n|Failed to allocate memory to remove list\n"},
+        "display list array not initialised\n|out: Failed to allocate memory to remove list\n"},
     {SIDE * sizeof(float *), "...(map|normals|colours) array not initialised\n"},
     {SIDE * sizeof(float), "...map array not initialised\n"},
     {SIDE * sizeof(Vector), "...(normals|colours) array not initialised\n"},
@@ -510,6 +534,7 @@ TEST_F(Process, GameComesOutAsEverInItsFirstSeconds)
                 require(isNear(figures.at(row.what), row.value, 0.5), row.what);
     };
     makeImages(256);
+    remove("TexPerson.tga"); // nobody is a picture
     expectGame({400, script, [](int) { return 20; }}, "");
 }
 
@@ -536,7 +561,7 @@ static void live(int now)
     require(gameOver == 1, "the game is not over");
     // OpenGL's display lists take more than the world: Mesa seems to keep a large store of vertices
     // until its last list is deleted.
-    const long slack = play.onDisplay ? early / 4 : early / 100 + MEMORY_SLACK;
+    const long slack = isOnDisplay() ? early / 4 : early / 100 + MEMORY_SLACK;
     require(peakKilobytes() - early < slack, "memory grows");
     report->hash = worldHash();
 }
@@ -559,6 +584,6 @@ TEST_F(Process, SoakLosesNothing)
     const char *frames = getenv("FRAMES");
     makeImages(512);
     Play soak = {frames ? atoi(frames) : 2000, live};
-    soak.onDisplay = true;
+    soak.driver = "x11";
     expectGame(soak, "");
 }

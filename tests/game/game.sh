@@ -106,12 +106,6 @@ withoutImagesItQuits()
     expectLines head "$scratch/expected"
 }
 
-withoutDisplayItQuits()
-{
-    start "$DATA" --unset=DISPLAY SDL_VIDEODRIVER=x11
-    expectOrderlyEnd quit_early.txt "Couldn't init SDL"
-}
-
 scratch=$(mktemp -d)
 if [[ -n ${LIBRARY+set} && ! -e $LIBRARY/libSDL-1.2.so.0 ]]; then
     echo "there is no second SDL library in '$LIBRARY'"

@@ -42,7 +42,6 @@ struct Place
 
 constexpr Place PLACES[] = {
     {"behind on the ground", {130, 50, -420}, {20, 240, -310}, 5000, false},
-    {"along +x", {900, 60, 300}, {-330, 180, 0}, 4000, false},
     {"along -z", {-2100, 50, 800}, {0, 150, 330}, 2500, false},
     {"from below it", {700, 400, -1500}, {140, -330, 60}, 5000, false},
     {"steeply down", {40, 60, 70}, {9, 1500, -4}, 6000, false},

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
 #include <functional>
 #include <map>
 #include <set>
@@ -23,7 +22,8 @@ struct Play
     int frames = 0;                               // before Escape is held; 0: start-up alone
     std::function<void(int)> script = [](int) {}; // called before each frame, and after the last
     int (*step)(int) = [](int) { return 33; };    // milliseconds before the step of a frame
-    const char *driver = "dummy"; // of SDL; "x11": on a display, else OpenGL calls do nothing
+    const char *driver = "dummy";                 // of SDL's video
+    bool isDrawn = false; // on the display of driver "x11"; else OpenGL calls do nothing
     bool hasOpenGL = true;
     int failingCall = 0;      // the allocation that fails, from 1, counted while inPlay is
     bool failsInPlay = false; // this
@@ -55,11 +55,6 @@ template <typename Condition> static void require(const Condition &holds, const 
         return;
     fprintf(stderr, "frame %d: %s: %s\n", frame, fault, result.message());
     _Exit(1);
-}
-
-static bool isOnDisplay()
-{
-    return strcmp(play.driver, "x11") == 0;
 }
 
 // What the linker puts in place of SDL and the C library; first, which allocation is to fail.
@@ -107,7 +102,7 @@ extern "C"
         static SDL_Surface surface = {};
         srand(20011);
         TRANSPARENCY = play.frames == 0; // then all images are read
-        return isOnDisplay()    ? __real_SDL_SetVideoMode(128, 96, depth, SDL_OPENGL)
+        return play.isDrawn     ? __real_SDL_SetVideoMode(128, 96, depth, SDL_OPENGL)
                : play.hasOpenGL ? &surface
                                 : nullptr;
     }
@@ -138,7 +133,7 @@ extern "C"
 
     void __wrap_SDL_GL_SwapBuffers()
     {
-        if (isOnDisplay())
+        if (play.isDrawn)
             __real_SDL_GL_SwapBuffers();
         ++frame;
     }
@@ -326,11 +321,6 @@ TEST_F(Process, WhatIsNoImageIsRefusedWhereverItStands)
         }
 }
 
-static long openFiles()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
 TEST_F(Process, ImagesAreRefusedOrUsedByTheirHeaders)
 {
     const struct
@@ -354,7 +344,6 @@ TEST_F(Process, ImagesAreRefusedOrUsedByTheirHeaders)
         {"of four bytes a pixel", 26, 7, 32, 2, 728, TGA_OK, true},
         {"of the largest sides", 4096, 4096, 24, 2, 50331648, TGA_OK, true},
     };
-    const long open = openFiles();
     for (const auto &row : rows)
         for (int i = 2; i < 8; ++i)
         {
@@ -367,7 +356,6 @@ TEST_F(Process, ImagesAreRefusedOrUsedByTheirHeaders)
             tgaDestroy(image);
             expectStart(i, row.isUsed ? "" : "   ...couldn't load TGA\n", row.isUsed);
         }
-    EXPECT_EQ(openFiles(), open);
 }
 
 TEST_F(Process, MapsAreRefusedUnlessTheyFitEachOther)
@@ -561,7 +549,7 @@ static void live(int now)
     require(gameOver == 1, "the game is not over");
     // OpenGL's display lists take more than the world: Mesa seems to keep a large store of vertices
     // until its last list is deleted.
-    const long slack = isOnDisplay() ? early / 4 : early / 100 + MEMORY_SLACK;
+    const long slack = play.isDrawn ? early / 4 : early / 100 + MEMORY_SLACK;
     require(peakKilobytes() - early < slack, "memory grows");
     report->hash = worldHash();
 }
@@ -585,5 +573,6 @@ TEST_F(Process, SoakLosesNothing)
     makeImages(512);
     Play soak = {frames ? atoi(frames) : 2000, live};
     soak.driver = "x11";
+    soak.isDrawn = true;
     expectGame(soak, "");
 }

@@ -28,13 +28,15 @@ struct Frame : Scene
         Scene::SetUp();
         for (const char *name : {"TexNoise.tga", "TexTank.tga"})
             writeImage(name, 32, 32, 3, [](int x, int y) { return texel(x, y); });
-        build(256, level, colour);
+        build(256, level, colour, 0, 1);
         cube = {900, getHeightAt(&ter, 900, -150) + 250, -150};
         addPerson(peopleLst, {1, vectorAdd(cube, {150, 0, -40}), {}, 0, nullptr, 0, nullptr, 0});
         cell = peopleLst->buckets[167 * BUCKET_COUNT + 117];
-        addTank(tankLst, {1, 20, vectorAdd(cube, {-170, 0, 60}), 0, 0, 0, 30, 30, 0, 10, 1e9f});
         addShot(shotLst, {0, vectorAdd(cube, {-130, 40, 140}), {0, 0, 0}, 220, nullptr});
         person = *cell, tank = tankLst->head, shot = shotLst->head;
+        tank->tank.position = vectorAdd(cube, {-170, 0, 60});
+        tank->tank.heading = tank->tank.targetHeading = 30;
+        tank->tank.lastShotTime = 1e9f;
     }
     void TearDown() override
     {
@@ -185,7 +187,7 @@ TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
         {"right side", {0.9f, 2.2f, -1}, {0, 0, -1}, 4.5f, 12.7f, false},
         {"top", {-1.6f, 2.5f, 0.8f}, {0, 1, 0}, 29.5f, 2, false},
         {"left track", {0.3f, 1, 2}, {0, 0, 1}, 21.8f, 24.2f, false},
-        {"turret", {-0.5f, 3.275f, 0.7f}, {0, 1, 0}, 28.7f, 5.5f, true},
+        {"turret", {0.3f, 3.395f, 0.7f}, {0, 1, 0}, 28.7f, 12.7f, true},
         {"turret's back", {-1, 2.85f, 0.3f}, {-1, 0, 0}, 10.1f, 8, true},
         {"barrel", {2.3f, 3.673f, 0.2f}, {0, 1, 0}, 2.5f, 29.4f, true},
         {"barrel's right side", {2.2f, 3.26f, -0.4f}, {0, 0, -1}, 4.5f, 21.4f, true},
@@ -326,16 +328,12 @@ TEST_F(Frame, TextsTellScoreSizeAndTheEndInBlackOverEverything)
     cb.size = cb.targetSize = 49;
     eye = {500, 250, 750}; // all texts are in view
     const Picture picture = show(SHADE);
-    const std::pair<const char *, float> rows[] = {
-        // and the height above the cube's centre
-        {"8888 points", 270.0f},
-        {"49 meters", 200.0f},
-        {"GAME OVER - Press Escape", 0.0f},
-    };
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
     glColor3f(1, 1, 1); // the same texts would leave no black
-    for (const auto &[text, height] : rows)
+    for (const auto &[text, height] : {std::pair{"8888 points", 270.0f},
+                                       {"49 meters", 200.0f},
+                                       {"GAME OVER - Press Escape", 0.0f}})
     {
         glRasterPos3f(cube.x, cube.y + height, cube.z);
         for (const char *c = text; *c; ++c)

@@ -99,6 +99,7 @@ extern "C"
                     attributes[SDL_GL_STENCIL_SIZE] == 8 && attributes[SDL_GL_DEPTH_SIZE] == 16 &&
                     attributes[SDL_GL_DOUBLEBUFFER] == 1,
                 "another display");
+        require(rand() != 1804289383, "the random numbers are those without a seed");
         static SDL_Surface surface = {};
         srand(20011);
         TRANSPARENCY = play.frames == 0; // then all images are read

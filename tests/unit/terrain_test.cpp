@@ -25,6 +25,8 @@ TEST_F(World, LandIsBuiltFromItsImages)
             const Vector expected = {level(x, z) / 256.0f, x / 256.0f, (100 + z) / 256.0f};
             ASSERT_TRUE(isNear({colour[0], colour[1], colour[2]}, expected, 1e-6));
             ASSERT_EQ(built.map[x][z], ter.map[x][z]) << x << ", " << z;
+            const HeightRange block = built.blockHeights[0][0];
+            ASSERT_TRUE(block.lowest <= built.map[x][z] && built.map[x][z] <= block.highest);
             const int i = std::min(x, SIDE - 2), j = std::min(z, SIDE - 2); // the edges copy
             float **h = built.map;
             const Vector up = {h[i][j + 1] - h[i + 1][j + 1], 25, h[i][j] - h[i][j + 1]};

@@ -48,8 +48,8 @@ void lookAtCube();         // from cam to cb, in OpenGL and in the module view
 void collideCubeTerrain(); // dents the ground under cb and pushes cb out of it
 void initSkyBoxTexture();  // from TexSkyBox.tga; without it the sky is drawn plain
 void drawSkyBox();         // around the eye, behind everything
-void placeAndDrawCube();   // where cb is, and as it is turned
 void drawShadow();         // of cb, no more of the screen than it can cover
+void placeAndDrawCube();   // where cb is, and as it is turned
 void displayScore();       // the texts take the current colour
 void displaySize();
 void displayGameOver();

@@ -9,9 +9,9 @@ CLOSER=$3
 PRELOAD=${4-}
 DATA=$judge/../../data
 
-start() # FOLDER [VARIABLE=VALUE...]
+start() # FOLDER
 {
-    startGame "$GAME" "$@" ${LIBRARY:+LD_LIBRARY_PATH="$LIBRARY"} \
+    startGame "$GAME" "$1" ${LIBRARY:+LD_LIBRARY_PATH="$LIBRARY"} \
         ${PRELOAD:+LD_PRELOAD="$PRELOAD"}
 }
 
@@ -21,7 +21,8 @@ play()
     waitForPlay
 }
 
-# The cube falls for its first seconds, and nothing but the key turns it.
+# The cube falls for its first seconds, and nothing but the key turns it; on a slow machine it may
+# have landed, and the ground helps.
 upTurnsTheCube()
 {
     play

@@ -277,8 +277,8 @@ TEST_F(Frame, EachThingLooksAsItDoesAloneWhateverElseIsDrawn)
     for (const Vector model : {Vector{10, 2, 0}, {10, 0, 2}, {-12, 0.8f, 0}})
     {
         const Vector at = place(model, 220, shot->position, false);
-        const float head = (model.x / 3 + 12) / 16,
-                    tail = 1 - head; // shares; the tail lets through
+        const float head = (model.x / 3 + 12) / 16; // share of its colour
+        const float tail = 1 - head;                // which lets through what is behind
         const Rgb behind = seen(bare, at);
         // The glow is 1, 0.8, 0.4 at the head and 0.5, 0, 0 at the tail; light adds 0.3 of it.
         const Rgb glow = {uint8_t(255 * head + std::min(166.0f + behind[0], 255.0f) * tail),

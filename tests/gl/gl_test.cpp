@@ -1,4 +1,4 @@
-// The sky, and a person at close quarters.
+// The sky, a person at close quarters, and a picture taken of the screen.
 #include "scene.h"
 
 // In place of SDL: a clock that tests set, and finished frames that stay readable.
@@ -44,26 +44,26 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
     }
 }
 
-constexpr Vector CORNER = {-3000, 0, 3000}; // of the land, where x and z are not alike
+constexpr Vector FEET = {-3000, 0, 3000}; // in a corner of the land, where x and z differ
 
 static void addOnePerson() // who is drawn 1 unit higher
 {
     build(256);
-    cb.position = CORNER;
-    addPerson(peopleLst, {1, off(CORNER, {0, 1, 0}, -1), {}, 0, nullptr, 0, nullptr, 0});
+    cb.position = FEET;
+    addPerson(peopleLst, {1, off(FEET, {0, 1, 0}, -1), {}, 0, nullptr, 0, nullptr, 0});
 }
 
-// x and y are units from the person's feet.
+// x and y are units from the feet.
 static void expectPerson(float eyeZ, std::vector<float> rows,
                          std::function<Rgb(float x, float y)> expected)
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    aim(vectorAdd(CORNER, {0, 10, eyeZ}), vectorAdd(CORNER, {0, 10, 0}), {0, 1, 0});
+    aim(vectorAdd(FEET, {0, 10, eyeZ}), vectorAdd(FEET, {0, 10, 0}), {0, 1, 0});
     drawHorde(peopleLst, &cb);
     const Picture picture = look();
     for (float x = -7; x <= 7; x += 2)
         for (float y : rows)
-            EXPECT_PRED2(isAlike, seen(picture, vectorAdd(CORNER, {x, y, 0})), expected(x, y))
+            EXPECT_PRED2(isAlike, seen(picture, vectorAdd(FEET, {x, y, 0})), expected(x, y))
                 << x << ", " << y;
 }
 
@@ -105,8 +105,8 @@ TEST_F(Scene, ScreenGrabReadsBackItsRectangleAsItWasSeen)
     drawCube(&cb);
     ASSERT_EQ(tgaGrabScreenSeries("grab", 400, 250, 900, 600), TGA_OK);
     TgaImage *grab = tgaLoad("grab0.tga");
-    Bytes seen(500 * 350 * 4);
-    glReadPixels(400, 250, 500, 350, GL_RGBA, GL_UNSIGNED_BYTE, seen.data());
-    EXPECT_EQ(Bytes(grab->imageData, grab->imageData + seen.size()), seen);
+    Bytes pixels(500 * 350 * 4);
+    glReadPixels(400, 250, 500, 350, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    EXPECT_EQ(Bytes(grab->imageData, grab->imageData + 4 * grab->width * grab->height), pixels);
     tgaDestroy(grab);
 }

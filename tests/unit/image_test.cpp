@@ -1,5 +1,4 @@
 #include "fixtures.h"
-#include "texture.h"
 
 #include <cstring>
 #include <tuple>

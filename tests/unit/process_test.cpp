@@ -33,6 +33,7 @@ typedef std::pair<const void *, size_t> Allocation; // by whom, and how many byt
 struct Report
 {
     uint64_t hash;
+    int frames; // that were drawn
     int allocations;
     Allocation allocation[500000];
 };
@@ -134,7 +135,7 @@ extern "C"
     {
         if (play.isDrawn)
             __real_SDL_GL_SwapBuffers();
-        ++frame;
+        report->frames = ++frame;
     }
 }
 
@@ -156,16 +157,16 @@ static void playGame(const Play &script)
     stdout = fopencookie(nullptr, "w", {nullptr, logOutput, nullptr, nullptr});
     setvbuf(stdout, nullptr, _IONBF, 0);
     play = script;
-    report->allocations = 0;
+    report->allocations = report->frames = 0;
     inGame = true;
     SDL_main(0, nullptr);
 }
 
-// The log is a regular expression.
-static void expectGame(const Play &script, const std::string &log)
+// The log is a regular expression. The end depends on how far the start has come.
+static void expectGame(const Play &script, const std::string &log, const char *end = "/quit.log")
 {
-    static const std::string quitting = contents("/quit.log");
-    EXPECT_EXIT(playGame(script), testing::ExitedWithCode(0), log + quitting + "$");
+    EXPECT_EXIT(playGame(script), testing::ExitedWithCode(0), log + contents(end) + "$");
+    EXPECT_EQ(report->frames, script.frames);
 }
 
 // From one place of the land to the next, a new one every ten seconds or so.
@@ -285,9 +286,9 @@ TEST_F(Process, WithoutADisplayOrOpenGLItSaysSoAndQuits)
 {
     Play blind;
     blind.hasOpenGL = false;
-    expectGame(blind, "^out: Couldn't set Video Mode\n");
+    expectGame(blind, "^out: Couldn't set Video Mode\n", "/quit_early.log");
     blind.driver = "none";
-    expectGame(blind, "^out: Couldn't init SDL\n");
+    expectGame(blind, "^out: Couldn't init SDL\n", "/quit_early.log");
 }
 
 TEST_F(Process, WhatIsNoImageIsRefusedWhereverItStands)
@@ -425,7 +426,8 @@ static void failEachPlace(Play script)
             const auto line = COMPLAINTS.find(place.second);
             const bool isImage = line == COMPLAINTS.end();
             expectGame(script,
-                       "(" + (isImage ? "...couldn't load TGA\n" : line->second) + ")(.|\n)*");
+                       "(" + (isImage ? "...couldn't load TGA\n" : line->second) + ")(.|\n)*",
+                       "/quit_early.log");
         }
 }
 

@@ -190,7 +190,7 @@ TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
         {"turret", {0.3f, 3.395f, 0.7f}, {0, 1, 0}, 28.7f, 12.7f, true},
         {"turret's back", {-1, 2.85f, 0.3f}, {-1, 0, 0}, 10.1f, 8, true},
         {"barrel", {2.3f, 3.673f, 0.2f}, {0, 1, 0}, 2.5f, 29.4f, true},
-        {"barrel's right side", {2.2f, 3.26f, -0.4f}, {0, 0, -1}, 4.5f, 21.4f, true},
+        {"barrel's right side", {2.35f, 3.55f, -0.4f}, {0, 0, -1}, 4.2f, 20.2f, true},
     };
     const Vector foot = tank->tank.position;
     for (const auto &part : parts)

@@ -1,20 +1,22 @@
 #include "people.h"
 
+#include "cube.h"
+#include "image.h"
 #include "main.h"
+#include "terrain.h"
 #include "view.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 constexpr double GRID_CENTRE = BUCKET_COUNT / 2.0; // bucket units from the edge to the world origin
 constexpr float FLEE_RADIUS = 500.0f;
-constexpr double EDGE_MARGIN = 2000.0; // people this near to the edge of the land turn back
-constexpr float TOP_SPEED = 45.0f;     // units/s along each axis
-constexpr int WANDER_THRESHOLD = 95;   // of 100; a higher draw changes the course
+constexpr float TOP_SPEED = 45.0f;   // units/s along each axis
+constexpr int WANDER_THRESHOLD = 95; // of 100; a higher draw changes the course
 constexpr float GROWTH_PER_PERSON = 1.0f;
 constexpr int SCORE_PER_PERSON = 10;
 constexpr float FEET_ABOVE_GROUND = 1.0f;
@@ -46,7 +48,7 @@ ViewRange viewRange(const PeopleList *list, const Cube *cube)
     return range;
 }
 
-static int hasLeft(const Person *person, int row, int column, int steprate)
+static bool hasLeft(const Person *person, int row, int column, int steprate)
 {
     return bucketOf(person->position.x, steprate) != row ||
            bucketOf(person->position.z, steprate) != column;
@@ -245,13 +247,6 @@ int destroyPersonList(PeopleList *list)
 
 // ---- behaviour ----------------------------------------------------------------------------------
 
-// Both axes use the bounds of the width.
-static Span livingSpace(double extent)
-{
-    return {static_cast<float>(truncateToInt(extent * -0.5 + EDGE_MARGIN)),
-            static_cast<float>(truncateToInt(extent * 0.5 - EDGE_MARGIN))};
-}
-
 static bool isWithin(Span span, float value)
 {
     return span.low < value && value < span.high;
@@ -356,13 +351,13 @@ void updatePersonPosition(Person *person, const Terrain *terrain, float h)
     walk(person, terrain, h, livingSpace(extentOf(terrain)));
 }
 
-static int crush(const Person *person, Cube *cube)
+static bool crush(const Person *person, Cube *cube)
 {
     if (!cubeCrushes(cube, person->position))
-        return 0;
+        return false;
     cube->targetSize += GROWTH_PER_PERSON;
     cube->score += SCORE_PER_PERSON;
-    return 1;
+    return true;
 }
 
 int checkPersonCollision(Person person, Cube *cube)
@@ -372,15 +367,16 @@ int checkPersonCollision(Person person, Cube *cube)
 
 namespace
 {
-// What a sweep over the grid found, to be applied after it: the chains are not changed under it.
+// What a step found, to be applied after the walk through the grid, which must not change its
+// chains.
 struct PendingChanges
 {
     PersonNode **removals;
     PersonNode **additions;
 };
 
-// One step of everybody in range: what it needs that does not depend on the person.
-struct Sweep
+// What a step of the horde works on, the same for all people in range.
+struct HordeStep
 {
     PeopleList *list;
     Cube *cube;
@@ -417,18 +413,18 @@ static void pendMove(PendingChanges *pending, Person person, int row, int column
     push(pending->additions, addition);
 }
 
-static void sweepBucket(Sweep *sweep, int row, int column)
+static void stepBucket(HordeStep *step, int row, int column)
 {
-    const int steprate = sweep->list->steprate;
-    for (PersonNode *node = *bucketAt(sweep->list, row, column); node; node = node->next)
+    const int steprate = step->list->steprate;
+    for (PersonNode *node = *bucketAt(step->list, row, column); node; node = node->next)
     {
         Person *person = &node->person;
-        think(person, sweep->cube, sweep->fleeingSpace);
-        walk(person, sweep->terrain, sweep->h, sweep->livingSpace);
-        if (crush(person, sweep->cube))
-            pendCrushed(&sweep->pending, sweep->terrain, *person, row, column);
+        think(person, step->cube, step->fleeingSpace);
+        walk(person, step->terrain, step->h, step->livingSpace);
+        if (crush(person, step->cube))
+            pendCrushed(&step->pending, step->terrain, *person, row, column);
         else if (hasLeft(person, row, column, steprate))
-            pendMove(&sweep->pending, *person, row, column);
+            pendMove(&step->pending, *person, row, column);
     }
 }
 
@@ -452,24 +448,24 @@ void updatePerson(PeopleList *list, Cube *cube, float h, Terrain *terrain)
 {
     const ViewRange range = viewRange(list, cube);
     const int resolution = truncateToInt(terrain->scale);
-    Sweep sweep = {list,
-                   cube,
-                   terrain,
-                   h,
-                   livingSpace(terrain->width * resolution),
-                   livingSpace(extentOf(terrain)),
-                   {makeCell(), makeCell()}};
-    if (sweep.pending.removals && sweep.pending.additions)
+    HordeStep step = {list,
+                      cube,
+                      terrain,
+                      h,
+                      livingSpace(terrain->width * resolution),
+                      livingSpace(extentOf(terrain)),
+                      {makeCell(), makeCell()}};
+    if (step.pending.removals && step.pending.additions)
     {
         for (int row = range.firstRow; row < range.endRow; ++row)
             for (int column = range.firstColumn; column < range.endColumn; ++column)
-                sweepBucket(&sweep, row, column);
-        applyChanges(list, &sweep.pending);
+                stepBucket(&step, row, column);
+        applyChanges(list, &step.pending);
     }
     else
         fputs("Failed to allocate memory to remove list\n", stdout);
-    free(sweep.pending.removals);
-    free(sweep.pending.additions);
+    free(step.pending.removals);
+    free(step.pending.additions);
 }
 
 // ---- drawing ------------------------------------------------------------------------------------
@@ -551,10 +547,9 @@ static bool isInView(const Person &person)
 // World x of a row's people; the outermost rows also hold those beyond the grid.
 static Span rowSpan(const PeopleList *list, int row)
 {
-    const float infinity = std::numeric_limits<float>::infinity();
     const auto edge = [list](int r)
     { return static_cast<float>((r - GRID_CENTRE) * list->steprate); };
-    return {row == 0 ? -infinity : edge(row), row == BUCKET_COUNT - 1 ? infinity : edge(row + 1)};
+    return {row == 0 ? -INFINITY : edge(row), row == BUCKET_COUNT - 1 ? INFINITY : edge(row + 1)};
 }
 
 // Takes out the columns of a row in which nobody can be in view.

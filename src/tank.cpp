@@ -1,6 +1,10 @@
 #include "tank.h"
 
+#include "cube.h"
+#include "image.h"
 #include "main.h"
+#include "shot.h"
+#include "terrain.h"
 #include "texture.h"
 #include "view.h"
 
@@ -16,8 +20,7 @@ constexpr int SHORTEST_LEG = 500;      // units
 constexpr int LEG_SPREAD = 2000;       // units; legs are shorter than the sum of both
 constexpr double TURN_GAIN = 10.0;     // 1/s^2
 constexpr double SPEED_GAIN = 15.0;    // 1/s^2
-constexpr double TANK_EDGE_MARGIN = 2000.0;
-constexpr float MUZZLE_AHEAD = 10.0f; // along world x, whatever way the turret faces
+constexpr float MUZZLE_AHEAD = 10.0f;  // along world x, whatever way the turret faces
 constexpr float MUZZLE_HEIGHT = 33.0f;
 constexpr float MUZZLE_LIFT = 80.0f;  // upward speed of a shot
 constexpr double CRUSH_KICK = 3000.0; // units/s^2, upward; times the cube's mass
@@ -186,29 +189,32 @@ static void turnAndAccelerate(Tank *tank, float h)
 }
 
 // The x rule turns a tank back to the middle; the z rule, which wins in a corner, sends it outward.
-static void mindTheEdge(Tank *tank, int extent)
+static void mindTheEdge(Tank *tank, Span space)
 {
-    const float high = static_cast<float>(truncateToInt(extent * 0.5 - TANK_EDGE_MARGIN));
-    const float low = static_cast<float>(truncateToInt(extent * -0.5 + TANK_EDGE_MARGIN));
-    if (tank->position.x > high)
+    if (tank->position.x > space.high)
         tank->targetHeading = 180;
-    else if (tank->position.x < low)
+    else if (tank->position.x < space.low)
         tank->targetHeading = 0;
-    if (tank->position.z > high)
+    if (tank->position.z > space.high)
         tank->targetHeading = 270;
-    else if (tank->position.z < low)
+    else if (tank->position.z < space.low)
         tank->targetHeading = 90;
 }
 
-void updateTankPosition(Tank *tank, float h, int width, int resolution)
+static void drive(Tank *tank, float h, Span space)
 {
     turnAndAccelerate(tank, h);
-    mindTheEdge(tank, width * resolution);
+    mindTheEdge(tank, space);
     const double course = decToRad(static_cast<float>(tank->heading + 90.0));
     tank->position.x = static_cast<float>(tank->position.x + std::sin(course) * h * tank->speed);
     tank->position.z = static_cast<float>(tank->position.z + std::cos(course) * h * tank->speed);
     tank->wanderDistance =
         truncateToInt(tank->wanderDistance - static_cast<double>(tank->speed) * h);
+}
+
+void updateTankPosition(Tank *tank, float h, int width, int resolution)
+{
+    drive(tank, h, livingSpace(width * resolution));
 }
 
 int checkTankCollision(Tank tank, Cube *cube, Terrain *terrain)
@@ -224,11 +230,11 @@ int checkTankCollision(Tank tank, Cube *cube, Terrain *terrain)
 
 void updateTank(TankList *list, Cube *cube, float h, Terrain *terrain, ShotList *shots, float time)
 {
-    const int resolution = truncateToInt(terrain->scale);
+    const Span space = livingSpace(terrain->width * truncateToInt(terrain->scale));
     for (TankNode *node = list->head, *next = nullptr; node; node = next)
     {
         updateTankAI(&node->tank, cube, shots, time);
-        updateTankPosition(&node->tank, h, terrain->width, resolution);
+        drive(&node->tank, h, space);
         next = node->next;
         if (checkTankCollision(node->tank, cube, terrain))
             removeTank(list, node->tank);

@@ -1,5 +1,6 @@
 #include "terrain.h"
 
+#include "image.h"
 #include "texture.h"
 #include "view.h"
 
@@ -18,9 +19,11 @@ constexpr float INVERSE_SPACING = 0.04f;
 constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 256
 constexpr double GREY_LEVELS = 256.0;
 constexpr double SMOOTHING = 0.5; // share that a sample keeps of its own height
-constexpr int SMOOTHING_SWEEPS = 3;
+constexpr int SMOOTHINGS = 3;
 constexpr double TEXTURE_STEP = 0.05;    // texture repeats a sample: one picture in 20 samples
 constexpr int DIRTY_REACH = 5;           // samples; blocks this near to a change are rebuilt too
+constexpr float STALE_HEIGHT = 100.0f;   // units that a list may show above the current heights
+constexpr double EDGE_MARGIN = 2000.0;   // of the living space, from the edges of the land
 constexpr float DENT_THRESHOLD = -50.0f; // a corner falling slower than this leaves no dent
 constexpr float STRONGEST_DEFORMATION = 20.0f;
 
@@ -75,7 +78,7 @@ static void tellWhereMapsAreSought()
     fprintf(stderr, "No land: looked for %s and %s in %s\n", HEIGHT_MAP, COLOUR_MAP, here);
 }
 
-static int isMissing(const TgaImage *image)
+static bool isMissing(const TgaImage *image)
 {
     return image && image->status == TGA_ERROR_OPEN;
 }
@@ -171,9 +174,7 @@ static int compileBlocks(Terrain *terrain)
     fprintf(stderr, "   ...Terrain Size: (%d * %d)\n", terrain->width, terrain->height);
     fprintf(stderr, "   ...Number of blocks: (%d * %d)\n", terrain->blocksX, terrain->blocksZ);
     terrain->displayLists = allocateColumns<uint32_t>(terrain->blocksX, terrain->blocksZ);
-    terrain->blockHeights = allocateColumns<HeightRange>(terrain->blocksX, terrain->blocksZ);
-    if (!isWhole(terrain->displayLists, terrain->blocksX) ||
-        !isWhole(terrain->blockHeights, terrain->blocksX))
+    if (!isWhole(terrain->displayLists, terrain->blocksX))
         return fail("   ...display list array not initialised\n");
     for (int bx = 0; bx < terrain->blocksX; ++bx)
         for (int bz = 0; bz < terrain->blocksZ; ++bz)
@@ -192,7 +193,7 @@ int initTerrain(Terrain *terrain)
     if (!buildSamples(terrain))
         return 0;
     fputs("Smoothing Terrain\n", stderr);
-    for (int sweep = 0; sweep < SMOOTHING_SWEEPS; ++sweep)
+    for (int i = 0; i < SMOOTHINGS; ++i)
         smoothTerrain(terrain);
     fputs("   ...done\n", stderr);
     fputs("Computing Terrain Normals\n", stderr);
@@ -211,13 +212,11 @@ void deleteTerrain(Terrain *terrain)
     freeColumns(terrain->colours, terrain->width);
     fputs("Freeing Terrain...\n", stderr);
     freeColumns(terrain->displayLists, terrain->blocksX);
-    freeColumns(terrain->blockHeights, terrain->blocksX);
     fputs("   ...freed array entries\n", stderr);
     free(terrain->map);
     free(terrain->normals);
     free(terrain->colours);
     free(terrain->displayLists);
-    free(terrain->blockHeights);
     fputs("   ...done\n", stderr);
 }
 
@@ -270,6 +269,13 @@ float getHeightAt(const Terrain *terrain, float x, float z)
     const float nz = static_cast<float>(spanX * riseAcross - spanX * rise);
     const double dx = static_cast<double>(x) - x0, dz = static_cast<double>(z) - z0;
     return static_cast<float>(y0 - (nx * dx + nz * dz) / ny);
+}
+
+// Both axes use the extent of the width.
+Span livingSpace(double extent)
+{
+    return {static_cast<float>(truncateToInt(extent * -0.5 + EDGE_MARGIN)),
+            static_cast<float>(truncateToInt(extent * 0.5 - EDGE_MARGIN))};
 }
 
 // ---- changes ------------------------------------------------------------------------------------
@@ -418,24 +424,6 @@ void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, 
     }
 }
 
-// Heights are only ever widened here: a block that shows a corner sample of its diagonal neighbour
-// is not marked with it, and goes on showing the old height until it is compiled again.
-static void widenBlockHeights(Terrain *terrain, int i, int j)
-{
-    if (i < 0 || i >= terrain->width || j < 0 || j >= terrain->height)
-        return;
-    const float height = terrain->map[i][j];
-    const int lastX = std::min(i / BLOCK_SIDE, terrain->blocksX - 1);
-    const int lastZ = std::min(j / BLOCK_SIDE, terrain->blocksZ - 1);
-    for (int bx = std::max(i - BLOCK_SIDE - 1, 0) / BLOCK_SIDE; bx <= lastX; ++bx)
-        for (int bz = std::max(j - BLOCK_SIDE, 0) / BLOCK_SIDE; bz <= lastZ; ++bz)
-        {
-            HeightRange *range = &terrain->blockHeights[bx][bz];
-            range->lowest = std::min(range->lowest, height);
-            range->highest = std::max(range->highest, height);
-        }
-}
-
 static void markBlock(Terrain *terrain, int bx, int bz)
 {
     if (bx < 0 || bx >= terrain->blocksX || bz < 0 || bz >= terrain->blocksZ)
@@ -456,7 +444,6 @@ void terrainFlagDLDirty(Terrain *terrain, int i, int j)
     markBlock(terrain, bx, (j + DIRTY_REACH) / BLOCK_SIDE);
     markBlock(terrain, (i - DIRTY_REACH) / BLOCK_SIDE, bz);
     markBlock(terrain, bx, (j - DIRTY_REACH) / BLOCK_SIDE);
-    widenBlockHeights(terrain, i, j);
 }
 
 // ---- drawing ------------------------------------------------------------------------------------
@@ -468,40 +455,8 @@ static float blockCentre(int b, float scale, float extent)
                               static_cast<double>(scale) * BLOCK_SIDE * 0.5 - extent * 0.5);
 }
 
-namespace
-{
-struct BlockSamples // half open
-{
-    int firstX, endX;
-    int firstZ, endZ;
-};
-} // namespace
-
-// The samples that a block shows: its last strip is the first of the next block along x.
-static BlockSamples samplesOf(const Terrain *terrain, int bx, int bz)
-{
-    const int x = bx * BLOCK_SIDE, z = bz * BLOCK_SIDE;
-    return {x, std::min(x + BLOCK_SIDE + 2, terrain->width), z,
-            std::min(z + BLOCK_SIDE + 1, terrain->height)};
-}
-
-static void findBlockHeights(Terrain *terrain, int bx, int bz)
-{
-    const BlockSamples block = samplesOf(terrain, bx, bz);
-    HeightRange range = {INFINITY, -INFINITY};
-    for (int x = block.firstX; x < block.endX; ++x)
-    {
-        const float *column = terrain->map[x];
-        const auto [lowest, highest] =
-            std::minmax_element(column + block.firstZ, column + block.endZ);
-        range = {std::min(range.lowest, *lowest), std::max(range.highest, *highest)};
-    }
-    terrain->blockHeights[bx][bz] = range;
-}
-
 void generateTerrainDL(Terrain *terrain, int bx, int bz)
 {
-    findBlockHeights(terrain, bx, bz);
     glNewList(terrain->displayLists[bx][bz], GL_COMPILE);
     compileTerrain(terrain, blockCentre(bx, terrain->scale, terrain->worldWidth),
                    blockCentre(bz, terrain->scale, terrain->worldDepth),
@@ -561,13 +516,67 @@ void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-static int blockInView(const Terrain *terrain, int bx, int bz)
+namespace
 {
-    const BlockSamples block = samplesOf(terrain, bx, bz);
-    const HeightRange heights = terrain->blockHeights[bx][bz];
-    return boxInView(
-        {sampleX(terrain, block.firstX), heights.lowest, sampleZ(terrain, block.firstZ)},
-        {sampleX(terrain, block.endX - 1), heights.highest, sampleZ(terrain, block.endZ - 1)});
+struct Range // of samples along one axis; half open
+{
+    int first, end;
+};
+} // namespace
+
+// What block b shows along x. Its last strip is the first of the next block.
+static Range columnsOf(const Terrain *terrain, int b)
+{
+    return {b * BLOCK_SIDE, std::min(b * BLOCK_SIDE + BLOCK_SIDE + 2, terrain->width)};
+}
+
+static Range rowsOf(const Terrain *terrain, int b)
+{
+    return {b * BLOCK_SIDE, std::min(b * BLOCK_SIDE + BLOCK_SIDE + 1, terrain->height)};
+}
+
+// In view the first sample mostly fulfils the condition.
+template <typename Condition>
+static bool hasSample(const Terrain *terrain, Range columns, Range rows, Condition condition)
+{
+    for (int x = columns.first; x < columns.end; ++x)
+    {
+        const float *column = terrain->map[x];
+        if (std::any_of(column + rows.first, column + rows.end, condition))
+            return true;
+    }
+    return false;
+}
+
+static void drawBlock(Terrain *terrain, int bx, int bz)
+{
+    uint32_t *list = &terrain->displayLists[bx][bz];
+    if (*list == DIRTY_LIST)
+    {
+        *list = glGenLists(1);
+        generateTerrainDL(terrain, bx, bz);
+    }
+    glCallList(*list);
+}
+
+// The blocks in view of those from firstZ to endZ that share bx.
+static void drawBlocksAlongZ(Terrain *terrain, int bx, int firstZ, int endZ)
+{
+    const Range columns = columnsOf(terrain, bx);
+    const Span x = {sampleX(terrain, columns.first), sampleX(terrain, columns.end - 1)};
+    const Span seen = viewSpan(x);
+    for (int bz = firstZ; bz < endZ; ++bz)
+    {
+        const Range rows = rowsOf(terrain, bz);
+        const Span z = {sampleZ(terrain, rows.first), sampleZ(terrain, rows.end - 1)};
+        if (z.high < seen.low || seen.high < z.low)
+            continue;
+        const Span heights = viewHeights(x, z);
+        const float low = heights.low - STALE_HEIGHT, high = heights.high;
+        if (hasSample(terrain, columns, rows, [low](float y) { return y >= low; }) &&
+            hasSample(terrain, columns, rows, [high](float y) { return y <= high; }))
+            drawBlock(terrain, bx, bz);
+    }
 }
 
 void drawTerrain(Terrain *terrain, float x, float z, float distance)
@@ -578,16 +587,5 @@ void drawTerrain(Terrain *terrain, float x, float z, float distance)
     const int bx1 = worldToTerrainX(terrain, x + half) / BLOCK_SIDE;
     const int bz1 = worldToTerrainZ(terrain, z + half) / BLOCK_SIDE;
     for (int bx = bx0; bx < bx1; ++bx)
-        for (int bz = bz0; bz < bz1; ++bz)
-        {
-            if (!blockInView(terrain, bx, bz))
-                continue;
-            uint32_t *list = &terrain->displayLists[bx][bz];
-            if (*list == DIRTY_LIST)
-            {
-                *list = glGenLists(1);
-                generateTerrainDL(terrain, bx, bz);
-            }
-            glCallList(*list);
-        }
+        drawBlocksAlongZ(terrain, bx, bz0, bz1);
 }

@@ -3,35 +3,30 @@
 // (x, z) lies at (x * scale - worldWidth / 2, map[x][z], z * scale - worldDepth / 2).
 #pragma once
 
-#include "image.h"
 #include "util.h"
 
 #include <cstdint>
 
-typedef float Colour[3]; // red, green, blue, each 0 to 1
+struct TgaImage;
 
-struct HeightRange
-{
-    float lowest, highest;
-};
+typedef float Colour[3]; // red, green, blue, each 0 to 1
 
 struct Terrain
 {
-    float **map;                // [width][height] world y of each sample; owned, as all arrays here
-    Vector **normals;           // [width][height] unit normal of the surface at each sample
-    Colour **colours;           // [width][height] colour of each sample
-    float scale;                // world units between neighbouring samples
-    float inverseScale;         // 1 / scale
-    float worldWidth;           // width * scale, the extent along x
-    float worldDepth;           // height * scale, the extent along z
-    int32_t width;              // samples along x
-    int32_t height;             // samples along z
-    TgaImage *image;            // picture of the ground texture; owned
-    uint32_t texture;           // OpenGL name of the ground texture
-    uint32_t **displayLists;    // [blocksX][blocksZ] OpenGL list of each block, or DIRTY_LIST
-    int32_t blocksX;            // blocks along x
-    int32_t blocksZ;            // blocks along z
-    HeightRange **blockHeights; // [blocksX][blocksZ] heights of each block, drawn or to be drawn
+    float **map;             // [width][height] world y of each sample; owned, as all arrays here
+    Vector **normals;        // [width][height] unit normal of the surface at each sample
+    Colour **colours;        // [width][height] colour of each sample
+    float scale;             // world units between neighbouring samples
+    float inverseScale;      // 1 / scale
+    float worldWidth;        // width * scale, the extent along x
+    float worldDepth;        // height * scale, the extent along z
+    int32_t width;           // samples along x
+    int32_t height;          // samples along z
+    TgaImage *image;         // picture of the ground texture; owned
+    uint32_t texture;        // OpenGL name of the ground texture
+    uint32_t **displayLists; // [blocksX][blocksZ] OpenGL list of each block, or DIRTY_LIST
+    int32_t blocksX;         // blocks along x
+    int32_t blocksZ;         // blocks along z
 };
 
 constexpr int BLOCK_SIDE = 25;               // samples along the side of a display-list block
@@ -53,6 +48,9 @@ int worldToTerrainZ(const Terrain *terrain, float z);
 // World y of the ground: the plane through samples (i, j), (i + 1, j) and (i + 1, j + 1) of the
 // cell, in both of its halves. 0 on and outside the outermost grid lines.
 float getHeightAt(const Terrain *terrain, float x, float z);
+// The x and z within which people and tanks live, on land of that extent: from 2000 units inside of
+// one edge to 2000 units inside of the other. low > high on land of less than 4000 units.
+Span livingSpace(double extent);
 
 // Changes. Boxes are half open, from x0 and z0 up to but excluding x1 and z1; what lies outside the
 // grid is skipped.

@@ -8,6 +8,11 @@ struct Vector
     float x, y, z; // y points up; x and z span the ground
 };
 
+struct Span
+{
+    float low, high;
+};
+
 struct Quaternion
 {
     float w, x, y, z; // scalar part first; the identity is (1, 0, 0, 0)

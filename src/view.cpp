@@ -41,7 +41,6 @@ constexpr double REACH = 10000;
 constexpr double PIXEL_SLACK = 8.0; // the same for prisms that end ten million units away
 // Below this share of the ground plane in the direction of the look, its rounding turns the view.
 constexpr double STEEPEST = 0.002;
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 static View view;
 static bool isSet = false;
@@ -132,31 +131,42 @@ void clearView()
     isSet = false;
 }
 
-int sphereInView(Vector centre, float radius)
+bool sphereInView(Vector centre, float radius)
 {
     if (!isSet)
-        return 1;
+        return true;
     const Direction point = direction(centre);
     for (const Plane &plane : view.planes)
         if (dot(plane.normal, point) + plane.offset < -(radius + SLACK))
-            return 0;
-    return 1;
+            return false;
+    return true;
+}
+
+static float toFloat(double value)
+{
+    constexpr double LARGEST = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(value, -LARGEST, LARGEST));
 }
 
 // A box lies outside a plane when the corner that reaches farthest inward does.
-int boxInView(Vector lowest, Vector highest)
+Span viewHeights(Span x, Span z)
 {
+    Span heights = {-INFINITY, INFINITY};
     if (!isSet)
-        return 1;
+        return heights;
     for (const Plane &plane : view.planes)
     {
         const Direction n = plane.normal;
-        const Direction inmost = {n.x > 0 ? highest.x : lowest.x, n.y > 0 ? highest.y : lowest.y,
-                                  n.z > 0 ? highest.z : lowest.z};
-        if (dot(n, inmost) + plane.offset < -SLACK)
-            return 0;
+        const double inward = n.x * (n.x > 0 ? x.high : x.low) + n.z * (n.z > 0 ? z.high : z.low) +
+                              plane.offset + SLACK;
+        if (n.y > 0)
+            heights.low = std::max(heights.low, toFloat(-inward / n.y));
+        else if (n.y < 0)
+            heights.high = std::min(heights.high, toFloat(-inward / n.y));
+        else if (inward < 0)
+            return {INFINITY, -INFINITY};
     }
-    return 1;
+    return heights;
 }
 
 static void extend(Span *span, double value)
@@ -175,9 +185,9 @@ static void extendAtCrossing(Span *z, Direction a, Direction b, double x)
 Span viewSpan(Span x)
 {
     if (!isSet)
-        return {-INFINITE, INFINITE};
+        return {-INFINITY, INFINITY};
     const double low = x.low - SLACK, high = x.high + SLACK;
-    Span z = {INFINITE, -INFINITE};
+    Span z = {INFINITY, -INFINITY};
     for (int i = 0; i < 8; ++i)
     {
         const Direction &corner = view.corners[i];

@@ -14,11 +14,6 @@ struct Eye
     double near, far;   // distances of the clipping planes, 0 < near < far
 };
 
-struct Span
-{
-    float low, high;
-};
-
 struct ScreenArea
 {
     int x, y; // pixels from the lower left corner of the display
@@ -30,8 +25,10 @@ struct ScreenArea
 void setView(const Eye *eye);
 void clearView();
 
-int sphereInView(Vector centre, float radius); // 1 unless the sphere lies wholly outside, then 0
-int boxInView(Vector lowest, Vector highest);  // the same for the box between two corners
+bool sphereInView(Vector centre, float radius); // false when the sphere lies wholly outside
+// The heights that decide whether a box over the spans x and z is in view: it lies wholly outside
+// if its top is below low or its bottom above high. low > high does not mean that it lies outside.
+Span viewHeights(Span x, Span z);
 // The z that the view covers, at any height, where x lies in the given span; low > high where it
 // covers none.
 Span viewSpan(Span x);

@@ -7,7 +7,14 @@
 // The argument is the folder of the images, by default the current one. The world is the same on
 // every run. Google Benchmark's options, such as --benchmark_filter=frame, go before the folder.
 #include "animate.h"
+#include "camera.h"
+#include "cube.h"
+#include "image.h"
 #include "main.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
+#include "terrain.h"
 #include "view.h"
 
 #include <GL/gl.h>
@@ -21,8 +28,6 @@
 #include <string>
 #include <unistd.h>
 
-constexpr int WIDTH = 1024, HEIGHT = 768;
-constexpr int PEOPLE = 20000, TANKS = 1500;
 constexpr uint32_t STEP = 16;        // milliseconds
 constexpr int START_DISTANCE = 5000; // a part of the horde is in range
 constexpr int WHOLE_LAND = 40000;    // all of it is, and nothing is fogged
@@ -47,27 +52,8 @@ static int openDisplay()
     if (SDL_Init(SDL_INIT_VIDEO) < 0)
         return 0;
     SDL_GL_SetAttribute(SDL_GL_STENCIL_SIZE, 8);
-    return SDL_SetVideoMode(WIDTH, HEIGHT, 0, SDL_FULLSCREEN | SDL_OPENGL) != nullptr;
-}
-
-static int makeWorld()
-{
-    peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
-    tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
-    shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
-    if (!peopleLst || !tankLst || !shotLst)
-        return 0;
-    initCube(&cb);
-    initCamera(&cam);
-    if (!initTerrain(&ter))
-        return 0;
-    initAnimation();
-    const int spacing = static_cast<int>(ter.scale);
-    if (!makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing) ||
-        !makeTankList(tankLst, TANKS))
-        return 0;
-    randomTankPlacement(tankLst, ter.width, ter.height, spacing);
-    return 1;
+    return SDL_SetVideoMode(DISPLAY_WIDTH, DISPLAY_HEIGHT, 0, SDL_FULLSCREEN | SDL_OPENGL) !=
+           nullptr;
 }
 
 // ---- places -------------------------------------------------------------------------------------
@@ -203,7 +189,9 @@ static void clearAndAim()
     glDisable(GL_ALPHA_TEST);
     glMatrixMode(GL_MODELVIEW);
     glLoadIdentity();
-    lookAtCube();
+    const Eye eye = eyeOnCube();
+    setView(&eye);
+    lookFrom(&eye);
 }
 
 static void terrain()
@@ -311,12 +299,13 @@ int main(int argc, char **argv)
         return EXIT_FAILURE;
     if (!freopen("/dev/null", "w", stderr) || !openDisplay()) // start-up reports there
         return EXIT_FAILURE;
-    setupOpengl(WIDTH, HEIGHT);
+    setupOpengl(DISPLAY_WIDTH, DISPLAY_HEIGHT);
     if (!makeWorld())
     {
         puts("No world: the folder of the images is missing");
         return EXIT_FAILURE;
     }
+    initAnimation();
 
     const auto add = [](std::string name, auto... how)
     { return benchmark::RegisterBenchmark(name.c_str(), how...)->Unit(benchmark::kMillisecond); };

@@ -3,7 +3,9 @@
 // it is thrown.
 //
 //     build/bench/bench/contact data
+#include "cube.h"
 #include "main.h"
+#include "terrain.h"
 
 #include <SDL.h>
 

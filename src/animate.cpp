@@ -1,6 +1,11 @@
 #include "animate.h"
 
+#include "camera.h"
+#include "cube.h"
 #include "main.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
 
 #include <SDL.h>
 

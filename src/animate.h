@@ -1,12 +1,12 @@
 // animate.h - the game's clock and the world step.
 #pragma once
 
-#include "camera.h"
-#include "cube.h"
-#include "people.h"
-#include "shot.h"
-#include "tank.h"
-#include "terrain.h"
+struct Camera;
+struct Cube;
+struct PeopleList;
+struct ShotList;
+struct TankList;
+struct Terrain;
 
 void initAnimation(); // starts the clock and sets timeH to 0
 

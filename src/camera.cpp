@@ -1,5 +1,6 @@
 #include "camera.h"
 
+#include "cube.h"
 #include "main.h"
 
 #include <cmath>

@@ -1,8 +1,9 @@
 // camera.h - the follow camera: it eases toward a place behind the cube. World units and seconds.
 #pragma once
 
-#include "cube.h"
 #include "util.h"
+
+struct Cube;
 
 struct Camera
 {

@@ -1,5 +1,6 @@
 #include "cube.h"
 
+#include "image.h"
 #include "main.h"
 #include "texture.h"
 
@@ -7,9 +8,7 @@
 
 #include <cmath>
 
-constexpr double GRAVITY = 200.0;      // units/s^2, along -y
-constexpr float SMALLEST_SIZE = 50.0f; // below it the game is over
-constexpr float LARGEST_SIZE = 250.0f;
+constexpr double GRAVITY = 200.0;         // units/s^2, along -y
 constexpr double GROWTH_GAIN = 30.0;      // 1/s^2: how eagerly size follows targetSize
 constexpr double MASS_GAIN = 5.0;         // mass gained with each unit of size
 constexpr float TRAVEL_SPEED = 150.0f;    // units/s; faster along an axis, the heading follows
@@ -30,8 +29,7 @@ void initCube(Cube *cube)
     cube->velocity = vectorInit(0, 0, 0);
     cube->momentum = vectorInit(0, 0, 1000000000);
     cube->heading = 90.1f;
-    cube->inertia = static_cast<double>(cube->mass) * cube->size * cube->size / 6.0;
-    cube->inverseInertia = 1 / cube->inertia;
+    setInertia(cube);
     cube->orientation = quaternionInit(1, 0, 0, 0);
     cube->force = vectorInit(0, 0, 0);
     cube->torque = vectorInit(0, 0, 0);
@@ -43,6 +41,12 @@ void destroyCube(Cube *cube)
 {
     tgaDestroy(cube->image);
     cube->image = nullptr;
+}
+
+void setInertia(Cube *cube)
+{
+    cube->inertia = static_cast<double>(cube->mass) * cube->size * cube->size / 6.0;
+    cube->inverseInertia = 1 / cube->inertia;
 }
 
 Vector getCornerNoRotation(const Cube *cube, int corner)
@@ -74,7 +78,7 @@ static bool isWithin(double offset, double limit)
     return std::fabs(std::trunc(offset)) < limit;
 }
 
-int cubeCovers(const Cube *cube, Vector position, double reach)
+bool cubeCovers(const Cube *cube, Vector position, double reach)
 {
     const double x = cube->position.x, y = cube->position.y, z = cube->position.z;
     const double half = 0.5 * cube->size;
@@ -82,7 +86,7 @@ int cubeCovers(const Cube *cube, Vector position, double reach)
            isWithin(y - position.y, reach);
 }
 
-int cubeCrushes(const Cube *cube, Vector position)
+bool cubeCrushes(const Cube *cube, Vector position)
 {
     return cubeCovers(cube, position, cube->size);
 }
@@ -127,10 +131,10 @@ static void grow(Cube *cube, float dt)
         easeSize(cube, dt);
         cube->mass =
             static_cast<float>(cube->mass + static_cast<double>(cube->growthRate) * dt * MASS_GAIN);
-        cube->inertia = static_cast<double>(cube->mass) * cube->size * cube->size / 6.0;
-        cube->inverseInertia = 1 / cube->inertia;
+        setInertia(cube);
     }
-    cube->spinLimit = static_cast<float>((250.0 - cube->size) / 50.0 + 1.0);
+    cube->spinLimit =
+        static_cast<float>((static_cast<double>(LARGEST_SIZE) - cube->size) / 50.0 + 1.0);
 }
 
 static void moveBody(Cube *cube, float dt)

@@ -2,16 +2,17 @@
 // World units, seconds, degrees unless stated otherwise; y up.
 #pragma once
 
-#include "image.h"
 #include "util.h"
 
 #include <cstdint>
 
+struct TgaImage;
+
 struct Cube
 {
     int32_t score;     // points
-    float size;        // edge length; below 50 the game is over
-    float targetSize;  // what size eases toward; at most 250
+    float size;        // edge length
+    float targetSize;  // what size eases toward
     float growthRate;  // units per second that the last step added to size
     float spinLimit;   // radians per second at which the keys' torque has faded to nothing
     float heading;     // direction of travel as findDirection measures it; not wrapped
@@ -32,28 +33,31 @@ struct Cube
     Vector torque;          // accumulated since the last step
 };
 
-constexpr int CUBE_CORNERS = 8; // numbered 1 to 8; k and k + 4 face each other across x
+constexpr float SMALLEST_SIZE = 50.0f; // below it the game is over
+constexpr float LARGEST_SIZE = 250.0f; // targetSize is cut to it
+constexpr int CUBE_CORNERS = 8;        // numbered 1 to 8; k and k + 4 face each other across x
 
 // Life cycle. initCube loads TexCube.tga from the working directory, reporting on standard error;
 // without the picture the cube is drawn plain. It needs an OpenGL context.
 void initCube(Cube *cube);
 void destroyCube(Cube *cube);
+void setInertia(Cube *cube); // inertia and inverseInertia, of the current mass and size
 
 // Queries. A corner number outside 1 to 8 gives the centre, without a velocity of its own.
 Vector getCornerNoRotation(const Cube *cube, int corner); // in the body frame
 Vector getCorner(const Cube *cube, int corner);           // in the world
 Vector getCornerVelocity(const Cube *cube, int corner);   // in the world, of the last step
-// 1 when position lies less than half an edge from the centre along x and z and less than reach
-// along y, the offsets cut to whole units; else 0.
-int cubeCovers(const Cube *cube, Vector position, double reach);
+// Whether position lies less than half an edge from the centre along x and z and less than reach
+// along y, the offsets cut to whole units.
+bool cubeCovers(const Cube *cube, Vector position, double reach);
 // The same for a body on the ground, which a cube a whole edge above or below it still crushes.
-int cubeCrushes(const Cube *cube, Vector position);
+bool cubeCrushes(const Cube *cube, Vector position);
 
 Vector getShadowEnd(const Cube *cube, int corner); // of the shadow prisms' edge below the corner
 
 // Changes
 // One step of dt seconds (semi-implicit Euler): gravity, growth, then everything accumulated since
-// the last step. Sets gameOver once the size is below 50.
+// the last step. Sets gameOver once the size is below SMALLEST_SIZE.
 void updateCube(Cube *cube, float dt);
 void applyForce(Cube *cube, Vector force, Vector point); // accumulates a force at a world point
 // Penalty forces for one corner below the ground: a spring along the unit normal, damping of the

@@ -20,7 +20,7 @@ int tgaBytesPerPixel(const TgaImage *image)
     return image->pixelDepth / 8;
 }
 
-int tgaIsRGB(const TgaImage *image)
+bool tgaIsRGB(const TgaImage *image)
 {
     return image && image->status == TGA_OK && image->width > 0 && image->height > 0 &&
            tgaBytesPerPixel(image) >= 3;
@@ -47,7 +47,7 @@ static long bytesLeft(FILE *stream)
 }
 
 // Opening a pipe would wait for its writer and a device has no end: neither is an image file.
-static int isPipeOrDevice(const char *path)
+static bool isPipeOrDevice(const char *path)
 {
     struct stat info;
     return stat(path, &info) == 0 && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode);
@@ -146,7 +146,7 @@ void tgaDestroy(TgaImage *image)
     free(image);
 }
 
-static int holdsRGB(const TgaImage *image)
+static bool holdsRGB(const TgaImage *image)
 {
     return image->imageData && image->width > 0 && image->height > 0 &&
            tgaBytesPerPixel(image) >= 3;

@@ -27,9 +27,9 @@ extern int savedImages; // the number that the next numbered file carries; only 
 
 // Queries
 int tgaBytesPerPixel(const TgaImage *image);
-// 1 when the image loaded, has pixels and holds at least three bytes for each, as an upload of RGB
-// pixels needs; else 0. Accepts null.
-int tgaIsRGB(const TgaImage *image);
+// Whether the image was loaded, has pixels and at least three bytes for each of them, as an upload
+// of RGB pixels needs. Accepts null.
+bool tgaIsRGB(const TgaImage *image);
 
 // Loading. tgaLoad returns a record whatever the outcome, to be tested by its status and released
 // with tgaDestroy; null only when the record itself cannot be allocated.

@@ -1,7 +1,15 @@
 #include "main.h"
 
 #include "animate.h"
+#include "camera.h"
+#include "cube.h"
+#include "image.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
+#include "terrain.h"
 #include "texture.h"
+#include "util.h"
 #include "view.h"
 
 #include <GL/freeglut.h>
@@ -37,11 +45,6 @@ float timeH = 0.0f;
 float skyBoxSize = 0.0f;
 uint32_t skyBoxTexName = 0;
 TgaImage *skyBoxImage = nullptr;
-
-constexpr int DISPLAY_WIDTH = 1024;
-constexpr int DISPLAY_HEIGHT = 768;
-constexpr int PEOPLE = 20000;
-constexpr int TANKS = 1500;
 
 constexpr double FIELD_OF_VIEW = 60.0; // degrees, vertical
 constexpr double NEAR_PLANE = 1.0;
@@ -152,29 +155,35 @@ static void openDisplay()
         giveUp("Couldn't set Video Mode\n", stdout);
 }
 
-template <typename List> static List *allocateList(const char *failure, FILE *stream)
+static int fail(const char *line, FILE *stream)
 {
-    List *list = static_cast<List *>(calloc(1, sizeof(List)));
-    if (!list)
-        giveUp(failure, stream);
-    return list;
+    fputs(line, stream);
+    return 0;
 }
 
-static void makeWorld()
+template <typename List> static int allocateList(List **list, const char *failure, FILE *stream)
 {
-    peopleLst = allocateList<PeopleList>("Failed to allocate memory to people list\n", stdout);
-    tankLst = allocateList<TankList>("Failed to allocate memory to tank list\n", stderr);
-    shotLst = allocateList<ShotList>("Failed to allocate memory to shot list\n", stderr);
+    *list = static_cast<List *>(calloc(1, sizeof(List)));
+    return *list ? 1 : fail(failure, stream);
+}
+
+int makeWorld()
+{
+    if (!allocateList(&peopleLst, "Failed to allocate memory to people list\n", stdout) ||
+        !allocateList(&tankLst, "Failed to allocate memory to tank list\n", stderr) ||
+        !allocateList(&shotLst, "Failed to allocate memory to shot list\n", stderr))
+        return 0;
     initCube(&cb);
     initCamera(&cam);
     if (!initTerrain(&ter))
-        quit();
+        return 0;
     const int spacing = truncateToInt(ter.scale);
-    if (makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing) != 1)
-        giveUp("...FAILED TO MAKE PEOPLE LIST\n", stderr);
-    if (makeTankList(tankLst, TANKS) != 1)
-        giveUp("...FAILED TO MAKE TANK LIST\n", stderr);
+    if (!makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing))
+        return fail("...FAILED TO MAKE PEOPLE LIST\n", stderr);
+    if (!makeTankList(tankLst, TANKS))
+        return fail("...FAILED TO MAKE TANK LIST\n", stderr);
     randomTankPlacement(tankLst, ter.width, ter.height, spacing);
+    return 1;
 }
 
 int SDL_main(int, char **)
@@ -185,7 +194,8 @@ int SDL_main(int, char **)
     setFlags();
     openDisplay();
     setupOpengl(DISPLAY_WIDTH, DISPLAY_HEIGHT);
-    makeWorld();
+    if (!makeWorld())
+        quit();
     initAnimation();
     for (;;)
     {
@@ -227,6 +237,7 @@ void setupOpengl(int width, int height)
         glEnable(capability);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glClearColor(0, 0, 0, 1);
+    glClear(GL_STENCIL_BUFFER_BIT); // it starts undefined; every shadow leaves it zero
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -398,26 +409,29 @@ static void raiseCameraGoal()
     cam.target.y = getHeightAt(&ter, cam.position.x, cam.position.z) + cam.followDistance;
 }
 
-void lookAtCube()
+Eye eyeOnCube()
 {
     const double ground = getHeightAt(&ter, cb.position.x, cb.position.z);
     const double y = (ground + cb.position.y) * 0.5 + cb.size;
-    gluLookAt(cam.position.x, cam.position.y, cam.position.z, cb.position.x, y, cb.position.z, 0, 1,
-              0);
-    const Eye eye = {cam.position,  {cb.position.x, y, cb.position.z},
-                     FIELD_OF_VIEW, ratio,
-                     NEAR_PLANE,    VIEW_DISTANCE * 0.5};
-    setView(&eye);
+    return {cam.position,       {cb.position.x, y, cb.position.z}, FIELD_OF_VIEW, ratio, NEAR_PLANE,
+            VIEW_DISTANCE * 0.5};
+}
+
+void lookFrom(const Eye *eye)
+{
+    const Vector from = eye->position;
+    const double *at = eye->target;
+    gluLookAt(from.x, from.y, from.z, at[0], at[1], at[2], 0, 1, 0);
 }
 
 static void adaptDrawDistance()
 {
     if (timeH < FAST_FRAME)
         VIEW_DISTANCE += DISTANCE_STEP;
-    if (timeH > SLOW_FRAME)
-        VIEW_DISTANCE -= DISTANCE_STEP;
-    VIEW_DISTANCE =
-        std::max(VIEW_DISTANCE, gameOver == 1 ? SHORTEST_AFTER_GAME_OVER : SHORTEST_DISTANCE);
+    if (timeH > SLOW_FRAME && VIEW_DISTANCE > SHORTEST_DISTANCE)
+        VIEW_DISTANCE = std::max(VIEW_DISTANCE - DISTANCE_STEP, SHORTEST_DISTANCE);
+    if (gameOver == 1)
+        VIEW_DISTANCE = std::max(VIEW_DISTANCE, SHORTEST_AFTER_GAME_OVER);
 }
 
 static void spendShadowBudget()
@@ -428,11 +442,10 @@ static void spendShadowBudget()
         SHADOW = 0;
 }
 
-// What the buffer holds at start is undefined, and the first shadow's boxes put all of it to 0,
-// unless they are drawn as lines. After that they need to cover no more than the prisms can.
+// Boxes that are drawn as lines clear only the counts under those lines: the others stay for later
+// frames, so that no part of the screen may be left out.
 void drawShadow()
 {
-    static bool isStencilZero = false;
     Vector ends[2 * CUBE_CORNERS];
     for (int corner = 1; corner <= CUBE_CORNERS; ++corner)
     {
@@ -440,12 +453,11 @@ void drawShadow()
         ends[2 * corner - 1] = getShadowEnd(&cb, corner);
     }
     const ScreenArea area = screenArea(ends, 2 * CUBE_CORNERS, DISPLAY_WIDTH, DISPLAY_HEIGHT);
-    if (isStencilZero && WIRE_FRAME == 0)
+    if (WIRE_FRAME == 0)
         glEnable(GL_SCISSOR_TEST);
     glScissor(area.x, area.y, area.width, area.height);
     renderCubeShadow(&cb, cam.position.x, cam.position.y, cam.position.z);
     glDisable(GL_SCISSOR_TEST);
-    isStencilZero = true;
 }
 
 void placeAndDrawCube()
@@ -473,8 +485,10 @@ void drawScreen()
     glDisable(GL_ALPHA_TEST);
     animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
     raiseCameraGoal();
+    const Eye eye = eyeOnCube();
+    setView(&eye);
     glPushMatrix();
-    lookAtCube();
+    lookFrom(&eye);
     drawSkyBox();
     collideCubeTerrain();
     drawTerrain(&ter, cb.position.x, cb.position.z, static_cast<float>(VIEW_DISTANCE));

@@ -2,15 +2,21 @@
 // sky, the text and quitting. World units, seconds, degrees.
 #pragma once
 
-#include "camera.h"
-#include "cube.h"
-#include "image.h"
-#include "people.h"
-#include "shot.h"
-#include "tank.h"
-#include "terrain.h"
-
 #include <cstdint>
+
+struct Camera;
+struct Cube;
+struct Eye;
+struct PeopleList;
+struct ShotList;
+struct TankList;
+struct Terrain;
+struct TgaImage;
+
+constexpr int DISPLAY_WIDTH = 1024; // pixels
+constexpr int DISPLAY_HEIGHT = 768;
+constexpr int PEOPLE = 20000; // in a new world
+constexpr int TANKS = 1500;
 
 // The world. The lists are allocated at start-up; everything here is released by quit.
 extern Cube cb;
@@ -36,7 +42,11 @@ extern TgaImage *skyBoxImage;  // owned
 
 // Start-up and the main loop; the arguments are ignored. Never returns: it leaves through quit.
 extern "C" int SDL_main(int argc, char **argv);
-// The OpenGL state that holds for the whole run, and the sky's texture. Call once, with a context.
+// Allocates the lists and fills the whole world from the images of the working directory. Returns
+// 1, or 0 after reporting what failed; quit then releases what was made. Wants an OpenGL context.
+int makeWorld();
+// Sets the OpenGL state of the whole run, clears the stencil buffer, which no frame does, and loads
+// the sky's texture. Call once, with a context.
 void setupOpengl(int width, int height);
 void processEvents();     // applies the held keys, drains the event queue; may quit
 [[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
@@ -44,12 +54,13 @@ void handleKeyDown();     // turns the held keys into torque and heading of cb
 
 // The frame: steps the world, draws it, swaps the buffers.
 void drawScreen();
-void lookAtCube();         // from cam to cb, in OpenGL and in the module view
-void collideCubeTerrain(); // dents the ground under cb and pushes cb out of it
-void initSkyBoxTexture();  // from TexSkyBox.tga; without it the sky is drawn plain
-void drawSkyBox();         // around the eye, behind everything
-void drawShadow();         // of cb, no more of the screen than it can cover
-void placeAndDrawCube();   // where cb is, and as it is turned
-void displayScore();       // the texts take the current colour
+Eye eyeOnCube();               // what a frame is seen with: from cam toward cb
+void lookFrom(const Eye *eye); // multiplies the current matrix by the eye's gluLookAt
+void collideCubeTerrain();     // dents the ground under cb and pushes cb out of it
+void initSkyBoxTexture();      // from TexSkyBox.tga; without it the sky is drawn plain
+void drawSkyBox();             // around the eye, behind everything
+void drawShadow();             // of cb, no more of the screen than it can cover
+void placeAndDrawCube();       // where cb is, and as it is turned
+void displayScore();           // the texts take the current colour
 void displaySize();
 void displayGameOver();

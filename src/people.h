@@ -2,12 +2,13 @@
 // so that a step and a frame visit only those near the cube. World units, seconds, degrees.
 #pragma once
 
-#include "cube.h"
-#include "image.h"
-#include "terrain.h"
 #include "util.h"
 
 #include <cstdint>
+
+struct Cube;
+struct Terrain;
+struct TgaImage;
 
 constexpr int BUCKET_COUNT = 250; // buckets along each side of the grid
 

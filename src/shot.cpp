@@ -1,5 +1,8 @@
 #include "shot.h"
 
+#include "cube.h"
+#include "terrain.h"
+
 #include <GL/gl.h>
 
 #include <cstdlib>

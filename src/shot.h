@@ -2,11 +2,12 @@
 // blow a crater where they sink into the ground. World units, seconds, degrees.
 #pragma once
 
-#include "cube.h"
-#include "terrain.h"
 #include "util.h"
 
 #include <cstdint>
+
+struct Cube;
+struct Terrain;
 
 struct Shot
 {

@@ -2,13 +2,14 @@
 // World units, seconds; headings are yaws in degrees about +y: 0 faces +x, 90 faces -z.
 #pragma once
 
-#include "cube.h"
-#include "image.h"
-#include "shot.h"
-#include "terrain.h"
 #include "util.h"
 
 #include <cstdint>
+
+struct Cube;
+struct ShotList;
+struct Terrain;
+struct TgaImage;
 
 struct Tank
 {

@@ -1,5 +1,7 @@
 #include "texture.h"
 
+#include "image.h"
+
 #include <GL/gl.h>
 
 #include <cstdio>

@@ -2,9 +2,9 @@
 // with. Wants an OpenGL context.
 #pragma once
 
-#include "image.h"
-
 #include <cstdint>
+
+struct TgaImage;
 
 // Names a texture, loads the file and uploads it under that internal format; loadingLine and what
 // follows go to standard error. Returns 1, or 0 when the file holds no RGB image: the texture then

@@ -73,8 +73,8 @@ static void drawAllInRange()
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glPushMatrix();
-    lookAtCube();
-    clearView();
+    const Eye eye = eyeOnCube();
+    lookFrom(&eye);
     drawSkyBox();
     drawTerrain(&ter, cb.position.x, cb.position.z, static_cast<float>(VIEW_DISTANCE));
     drawHorde(peopleLst, &cb);

@@ -3,7 +3,14 @@
 #pragma once
 
 #include "animate.h"
+#include "camera.h"
+#include "cube.h"
+#include "image.h"
 #include "main.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
+#include "terrain.h"
 
 #include <SDL.h>
 

@@ -1,6 +1,7 @@
 // driver.h - how a player would roll the cube to a place.
 #pragma once
 
+#include "cube.h"
 #include "main.h"
 
 #include <SDL.h>

@@ -4,8 +4,10 @@
 //     build/check/tools/rim/rim data
 //
 // The mass is that of the start: growth adds less than a thousandth.
+#include "cube.h"
 #include "driver.h"
 #include "main.h"
+#include "terrain.h"
 
 #include <SDL.h>
 
@@ -23,7 +25,6 @@ constexpr float RIM = 70 * 25;        // units from the end of the land: what fe
 
 // Of the runs, what a land may show that is good to play on.
 constexpr int MOST_LEAVE = 46, MOST_LEAVE_SMALL = 12, MOST_TRAPPED = 8;
-constexpr float LARGEST = 250; // no cube grows larger; all others count as small
 
 static uint8_t held[SDLK_LAST];
 static Terrain undented; // the land as it is at the start of each run
@@ -39,8 +40,7 @@ static void begin(float x, float z, float size, float heading)
     }
     cb = newCube;
     cb.size = cb.targetSize = size;
-    cb.inertia = static_cast<double>(cb.mass) * size * size / 6;
-    cb.inverseInertia = 1 / cb.inertia;
+    setInertia(&cb);
     cb.position = vectorInit(x, getHeightAt(&ter, x, z) + size / 2, z);
     cb.momentum = cb.angularMomentum = cb.angularVelocity = vectorInit(0, 0, 0);
     cb.heading = heading;
@@ -118,7 +118,7 @@ static bool judgeLand()
     int small = 0, trapped = 0;
     for (float size : {60.0f, 100.0f, 175.0f})
         small += failures("leave", size, leaves);
-    const int all = small + failures("leave", LARGEST, leaves);
+    const int all = small + failures("leave", LARGEST_SIZE, leaves);
     for (float size : {60.0f, 100.0f, 140.0f, 175.0f})
         trapped += failures("are trapped", size, isTrapped);
     // Only whole blocks are drawn, up to the first sample of the one that holds the last sample.

@@ -10,7 +10,7 @@ struct Terrain;
 
 void initAnimation(); // starts the clock and sets timeH to 0
 
-// One world step, as long as the time since the last one: cube, people, tanks, shots, camera.
-// Sets timeH to its length in seconds. The step is not bounded: a stall becomes one large step.
+// Steps the world by the time since the last step, in the order cube, people, tanks, shots, camera.
+// Sets timeH to that time in seconds. It has no upper limit: a stall becomes one large step.
 void animate(Cube *cube, PeopleList *people, TankList *tanks, Camera *camera, Terrain *terrain,
              ShotList *shots);

@@ -11,11 +11,12 @@ struct Camera
     Vector position;      // the eye
     Vector velocity;      // of the last easing step
     float stiffness;      // easing gain, 1/s^2
-    float followDistance; // behind the cube in the ground plane, and above the ground under the eye
+    float followDistance; // from the cube to target along the ground; the height of target above it
 };
 
 void initCamera(Camera *camera);
-// Sets followDistance and the x and z of target; its y, above the ground, is set by the frame.
+// Sets followDistance and the x and z of target. drawScreen sets the y of target.
 void calcTargetView(Camera *camera, const Cube *cube);
-// Moves the eye by the share stiffness h^2 of what is left of its way; not frame-rate independent.
+// Moves the eye toward target by the fraction stiffness h^2 of the remaining way, so that the
+// motion depends on the frame rate.
 void updateCamera(Camera *camera, float h);

@@ -11,9 +11,9 @@
 constexpr double GRAVITY = 200.0;         // units/s^2, along -y
 constexpr double GROWTH_GAIN = 30.0;      // 1/s^2: how eagerly size follows targetSize
 constexpr double MASS_GAIN = 5.0;         // mass gained with each unit of size
-constexpr float TRAVEL_SPEED = 150.0f;    // units/s; faster along an axis, the heading follows
-constexpr double FAR_BELOW = 10000000.0;  // reach of the shadow prisms
-constexpr float SHADOW_BOX_HALF = 100.0f; // between the near plane and the far plane
+constexpr float TRAVEL_SPEED = 150.0f;    // units/s along x or z; from it on velocity sets heading
+constexpr double FAR_BELOW = 10000000.0;  // units; length of the shadow prisms
+constexpr float SHADOW_BOX_HALF = 100.0f; // units; the box lies between the near and the far plane
 constexpr float SHADOW_DARKNESS = 0.3f;   // share of the light that the shadow takes
 
 void initCube(Cube *cube)
@@ -72,7 +72,7 @@ Vector getCornerVelocity(const Cube *cube, int corner)
     return vectorAdd(cube->velocity, vectorCrossProduct(cube->angularVelocity, arm));
 }
 
-// In whole units, as far as they go.
+// The offset is cut to whole units first.
 static bool isWithin(double offset, double limit)
 {
     return std::fabs(std::trunc(offset)) < limit;
@@ -107,7 +107,7 @@ static void applyGravity(Cube *cube, float dt)
     cube->momentum.y = static_cast<float>(cube->momentum.y - dt * GRAVITY * cube->mass);
 }
 
-// dt enters twice: once in the rate and once in the step.
+// dt is applied twice: to the rate and to the size.
 static void easeSize(Cube *cube, float dt)
 {
     const double gap = static_cast<double>(cube->targetSize) - cube->size;
@@ -161,7 +161,7 @@ static void turnBody(Cube *cube, float dt)
     *turned = normalize(*turned);
 }
 
-// A slow cube keeps the heading that the keys turn.
+// The heading of a slow cube stays as the keys have turned it.
 static void followTravel(Cube *cube)
 {
     if (mod(cube->velocity.x) >= TRAVEL_SPEED || mod(cube->velocity.z) >= TRAVEL_SPEED)
@@ -254,8 +254,9 @@ void drawCube(const Cube *cube)
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-// Counter-clockwise from inside the cube: the prism of a face that looks down then has its polygons
-// turned outward, and the prism of one that looks up counts nothing.
+// Corners in counter-clockwise order seen from inside the cube. The prism of a face that faces down
+// then has outward polygons and marks what is inside of it. The prism of a face that faces up is
+// inside out and marks nothing.
 constexpr int SHADOW_FACES[6][4] = {{1, 2, 3, 4}, {2, 6, 7, 3}, {3, 7, 8, 4},
                                     {4, 8, 5, 1}, {5, 6, 2, 1}, {6, 5, 8, 7}};
 
@@ -310,7 +311,7 @@ void drawShadowBox(float x, float y, float z)
     glEnable(GL_DEPTH_TEST);
 }
 
-// Counts the prism's faces of one winding where they lie behind the scene.
+// Counts in the stencil buffer those polygons of a prism behind the scene that are not culled.
 static void countBehindScene(const Cube *cube, const int face[4], GLenum culled, GLenum depthFail)
 {
     glCullFace(culled);
@@ -334,7 +335,7 @@ static void castFaceShadow(const Cube *cube, const int face[4], Vector eye)
     glDisable(GL_CULL_FACE);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glDepthMask(GL_TRUE);
-    // The first box polygon over a counted pixel darkens it and puts its count back to 0.
+    // The first box polygon over a pixel with a count darkens it and sets the count back to 0.
     glStencilFunc(GL_NOTEQUAL, 0, 0xFF);
     glStencilOp(GL_REPLACE, GL_REPLACE, GL_REPLACE);
     drawShadowBox(eye.x, eye.y, eye.z);

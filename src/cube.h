@@ -14,12 +14,12 @@ struct Cube
     float size;        // edge length
     float targetSize;  // what size eases toward
     float growthRate;  // units per second that the last step added to size
-    float spinLimit;   // radians per second at which the keys' torque has faded to nothing
+    float spinLimit;   // radians per second from which on the keys add no torque
     float heading;     // direction of travel as findDirection measures it; not wrapped
     TgaImage *image;   // picture on each face; owned
     uint32_t texture;  // OpenGL name of the picture
     float mass;        // grows with size
-    float inverseMass; // of the starting mass; never follows mass
+    float inverseMass; // 1 / the mass at the start; does not change with mass
     double inertia;    // mass size^2 / 6, the same about every axis
     double inverseInertia;
     Vector position;        // centre
@@ -38,26 +38,26 @@ constexpr float LARGEST_SIZE = 250.0f; // targetSize is cut to it
 constexpr int CUBE_CORNERS = 8;        // numbered 1 to 8; k and k + 4 face each other across x
 
 // Life cycle. initCube loads TexCube.tga from the working directory, reporting on standard error;
-// without the picture the cube is drawn plain. It needs an OpenGL context.
+// without the picture the cube is drawn untextured. Without an OpenGL context texture is not set.
 void initCube(Cube *cube);
 void destroyCube(Cube *cube);
 void setInertia(Cube *cube); // inertia and inverseInertia, of the current mass and size
 
-// Queries. A corner number outside 1 to 8 gives the centre, without a velocity of its own.
+// Queries. For a corner number outside 1 to 8 they return the place or the velocity of the centre.
 Vector getCornerNoRotation(const Cube *cube, int corner); // in the body frame
 Vector getCorner(const Cube *cube, int corner);           // in the world
 Vector getCornerVelocity(const Cube *cube, int corner);   // in the world, of the last step
 // Whether position lies less than half an edge from the centre along x and z and less than reach
-// along y, the offsets cut to whole units.
+// along y. The offsets are cut to whole units first.
 bool cubeCovers(const Cube *cube, Vector position, double reach);
-// The same for a body on the ground, which a cube a whole edge above or below it still crushes.
+// Whether the cube crushes a person or a tank at position: cubeCovers with a reach of a whole edge.
 bool cubeCrushes(const Cube *cube, Vector position);
 
-Vector getShadowEnd(const Cube *cube, int corner); // of the shadow prisms' edge below the corner
+Vector getShadowEnd(const Cube *cube, int corner); // lower end of the shadow prism's edge there
 
 // Changes
-// One step of dt seconds (semi-implicit Euler): gravity, growth, then everything accumulated since
-// the last step. Sets gameOver once the size is below SMALLEST_SIZE.
+// Steps the body by dt seconds (semi-implicit Euler): gravity, growth, then the forces and torques
+// accumulated since the last step. Sets gameOver once the size is below SMALLEST_SIZE.
 void updateCube(Cube *cube, float dt);
 void applyForce(Cube *cube, Vector force, Vector point); // accumulates a force at a world point
 // Penalty forces for one corner below the ground: a spring along the unit normal, damping of the
@@ -66,8 +66,8 @@ void handleCollision(Cube *cube, Vector normal, Vector velocity, Vector corner, 
 
 // Drawing
 void drawCube(const Cube *cube); // in the body frame, which the caller has set up
-// Darkens what the cube stands above, with depth-fail stencil shadow volumes; (x, y, z) is the eye.
-// Wants a stencil buffer of zeros and leaves one. Leaves face culling off.
+// Darkens what lies below the cube, with depth-fail stencil shadow volumes; (x, y, z) is the eye.
+// The stencil buffer must be zero and is zero afterwards. Face culling is disabled afterwards.
 void renderCubeShadow(const Cube *cube, float x, float y, float z);
 void renderShadowVolume(const Cube *cube, int a, int b, int c, int d); // the prism below one face
 void drawShadowBox(float x, float y, float z); // a translucent black box around a point

@@ -26,7 +26,7 @@ bool tgaIsRGB(const TgaImage *image)
            tgaBytesPerPixel(image) >= 3;
 }
 
-// Bytes of the pixel buffer that the header announces, or -1 when no signed 32-bit size holds them.
+// Bytes that the header announces for the pixels, or -1 if they overflow a signed 32-bit integer.
 static int32_t pixelBytes(const TgaImage *image)
 {
     const int64_t bytes =
@@ -46,7 +46,7 @@ static long bytesLeft(FILE *stream)
     return fseek(stream, here, SEEK_SET) == 0 ? end - here : -1;
 }
 
-// Opening a pipe would wait for its writer and a device has no end: neither is an image file.
+// Neither is opened: a pipe would wait for its writer, and a device has no end.
 static bool isPipeOrDevice(const char *path)
 {
     struct stat info;

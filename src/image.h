@@ -1,6 +1,6 @@
 // image.h - uncompressed TGA files: load, convert, save under numbered names, grab the screen.
-// Pixel rows keep the order of the file (bottom row first for the usual origin), so a buffer can be
-// handed to OpenGL as it is; colours are red, green, blue (alpha) in memory.
+// Pixel rows keep the order of the file (bottom row first for the usual origin), so that OpenGL
+// takes a buffer as it is. Colours are red, green, blue (alpha) in memory.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ struct TgaImage
 
 constexpr int32_t TGA_OK = 1;
 constexpr int32_t TGA_ERROR_TYPE = -1;       // neither true-colour nor grey, or run-length encoded
-constexpr int32_t TGA_ERROR_MEMORY = -2;     // no pixel buffer of that size can be had
+constexpr int32_t TGA_ERROR_MEMORY = -2;     // a pixel buffer of that size cannot be allocated
 constexpr int32_t TGA_ERROR_COLOUR_MAP = -3; // colour-mapped
 constexpr int32_t TGA_ERROR_READ = -4;       // read error, or fewer bytes than the header announces
 constexpr int32_t TGA_ERROR_OPEN = -5;       // no such file, or it cannot be created
@@ -31,27 +31,27 @@ int tgaBytesPerPixel(const TgaImage *image);
 // of RGB pixels needs. Accepts null.
 bool tgaIsRGB(const TgaImage *image);
 
-// Loading. tgaLoad returns a record whatever the outcome, to be tested by its status and released
-// with tgaDestroy; null only when the record itself cannot be allocated.
+// Loading. tgaLoad returns a record, whose status tells the outcome and which tgaDestroy releases,
+// or null if the record itself cannot be allocated.
 TgaImage *tgaLoad(const char *path);
 void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; fields past the end are 0
 void tgaLoadImageData(FILE *stream, TgaImage *image); // fills imageData, which must be allocated
 void tgaDestroy(TgaImage *image);                     // accepts null
 
-// Conversions in place. An image that has too few bytes per pixel, no pixels, or for which no
-// memory is left stays as it was; pixelDepth (8 and 32 afterwards) tells.
+// Conversions in place, after which pixelDepth is 8 or 32. An image without pixels or with fewer
+// than three bytes for each is not changed; nor is any image if there is no memory.
 void tgaRGBtoGreyscale(TgaImage *image);  // 0.3 r + 0.59 g + 0.11 b, truncated
 void tgaRGBTransparency(TgaImage *image); // pure magenta turns transparent black, the rest opaque
 
-// Saving. depth is in bits per pixel. Returns 1, and has then released pixels (a malloc buffer), or
-// TGA_ERROR_OPEN with the buffer left to the caller.
+// Saving. depth is in bits per pixel; pixels is a malloc buffer. Returns 1 after freeing pixels, or
+// TGA_ERROR_OPEN, after which the caller still owns pixels.
 int tgaSave(const char *path, int16_t width, int16_t height, uint8_t depth, uint8_t *pixels);
-// The same under "<prefix><number>.tga", or TGA_ERROR_MEMORY; a failed save does not use up a
-// number.
+// Saves as "<prefix><number>.tga". Returns what tgaSave does, or TGA_ERROR_MEMORY. A failed save
+// does not use up a number.
 int tgaSaveSeries(const char *prefix, int16_t width, int16_t height, uint8_t depth,
                   uint8_t *pixels);
 // Saves the rectangle from (x0, y0) up to (x1, y1) of the read buffer, origin at the bottom left,
 // as a 32-bit image; call it between the last drawing command and the swap. Returns what
 // tgaSaveSeries does, or TGA_ERROR_MEMORY for a rectangle that is empty, too large for a TGA file
-// or for memory.
+// or for memory. Without an OpenGL context all pixels are 0.
 int tgaGrabScreenSeries(const char *prefix, int x0, int y0, int x1, int y1);

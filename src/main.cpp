@@ -53,13 +53,13 @@ constexpr double FAST_FRAME = 0.028; // seconds; below it the draw distance grow
 constexpr double SLOW_FRAME = 0.04;  // seconds; above it the draw distance shrinks
 constexpr int DISTANCE_STEP = 5;
 constexpr int FULL_DISTANCE = 5000;
-// In play the eye stays within some 700 units of the cube and its texts: half of this still shows
-// them, and the ground around, before the fog.
+// In play the eye is at most some 700 units from the cube and its texts. With the far plane at half
+// of this distance, the fog does not yet hide them and the ground around them.
 constexpr int SHORTEST_DISTANCE = 3000;
-// After game over the eye circles 1000 units from the cube and as far above the ground, on hills up
-// to 600 high, so some 1900 away: nearer than this the fog would hide the text.
+// After game over the eye is 1000 units from the cube along the ground and 1000 above the ground,
+// which may be 600 higher there: with a shorter distance, the fog would hide the text.
 constexpr int SHORTEST_AFTER_GAME_OVER = 4500;
-constexpr float SHADOW_BUDGET = 2.0f; // seconds below the full draw distance before it is given up
+constexpr float SHADOW_BUDGET = 2.0f; // seconds below the full draw distance until the shadow ends
 constexpr double GAME_OVER_SPIN = 20.0; // degrees per second
 
 constexpr double BRAKE_THRESHOLD = 1.5; // radians per second about x or z
@@ -71,7 +71,7 @@ constexpr double LEFT_TURN_RATE = 90.0; // degrees per second
 constexpr double RIGHT_TURN_RATE = 45.0;
 
 constexpr float SKY_ABOVE_EYE = 15.0f;
-constexpr float SCORE_HEIGHT = 270.0f; // of the texts above the cube's centre
+constexpr float SCORE_HEIGHT = 270.0f; // units from the cube's centre up to the text
 constexpr float SIZE_HEIGHT = 200.0f;
 
 // ---- start-up and quitting ----------------------------------------------------------------------
@@ -108,8 +108,8 @@ void quit()
     exit(0);
 }
 
-// Xlib ends the process by itself, with status 1, when the connection to the display is lost, also
-// while SDL closes it. The world is released all the same; SDL is left alone.
+// When the connection to the display is lost, also while SDL closes it, Xlib ends the process with
+// status 1. This handler releases the world first and ends with status 0; it does not call SDL.
 static void leaveLostDisplay()
 {
     if (displayClosed)
@@ -209,7 +209,7 @@ static void setupLight()
     constexpr float AMBIENT[] = {0.1f, 0.1f, 0.1f, 1};
     constexpr float DIFFUSE[] = {0.3f, 0.3f, 0.3f, 1};
     constexpr float SPECULAR[] = {0.5f, 0.5f, 0.5f, 1};
-    // Given once, under the identity: the light stays above the viewer, not above the world.
+    // Set once, while the matrix is the identity: the light stays above the viewer.
     constexpr float ABOVE_EYE[] = {0, 10000, 0, 1};
     glLightfv(GL_LIGHT0, GL_AMBIENT, AMBIENT);
     glLightfv(GL_LIGHT0, GL_DIFFUSE, DIFFUSE);
@@ -237,7 +237,7 @@ void setupOpengl(int width, int height)
         glEnable(capability);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glClearColor(0, 0, 0, 1);
-    glClear(GL_STENCIL_BUFFER_BIT); // it starts undefined; every shadow leaves it zero
+    glClear(GL_STENCIL_BUFFER_BIT); // undefined at first; every shadow leaves zeros
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -263,7 +263,7 @@ void processEvents()
 
 // ---- controls -----------------------------------------------------------------------------------
 
-// 1 at rest, falling to 0 at the spin limit.
+// The share of the keys' torque at a spin rate: 1 at rest, 0 from the spin limit on.
 static float spinFactor(float rate)
 {
     const double limit = cb.spinLimit, spin = mod(rate);
@@ -292,7 +292,7 @@ static bool isMoving()
     return mod(cb.velocity.x) > MOVING_SPEED || mod(cb.velocity.z) > MOVING_SPEED;
 }
 
-// Left and right roll a moving cube sideways and turn a standing one; turn is in degrees.
+// Rolls a moving cube sideways or turns the heading of a standing cube; turn is in degrees.
 static void steer(float axis, float factorX, float factorZ, double turn)
 {
     if (isMoving())
@@ -348,7 +348,7 @@ namespace
 {
 struct Contact
 {
-    float clearance; // of the corner above the ground; negative below it
+    float clearance; // height of the corner above the ground; negative below it
     Vector point;
     int corner;
 };
@@ -364,8 +364,8 @@ static void pushOut(const Contact &contact)
                     -contact.clearance);
 }
 
-// Two contacts at most: the deepest corner, and the one that held that place just before it. A
-// deepest corner that comes first in corner order is therefore the only contact.
+// At most two corners are pushed out: the deepest one, and the one that was the deepest of the
+// corners before it. If the first corner is the deepest, it is the only one.
 void collideCubeTerrain()
 {
     Contact deepest = {0, {0, 0, 0}, 0}, before = deepest;
@@ -442,8 +442,8 @@ static void spendShadowBudget()
         SHADOW = 0;
 }
 
-// Boxes that are drawn as lines clear only the counts under those lines: the others stay for later
-// frames, so that no part of the screen may be left out.
+// Boxes drawn as lines reset only the counts under their lines. Later boxes must be able to reach
+// the other counts, so that they are not limited to a part of the screen.
 void drawShadow()
 {
     Vector ends[2 * CUBE_CORNERS];
@@ -472,7 +472,7 @@ void placeAndDrawCube()
     glPopMatrix();
 }
 
-// The camera stands behind the heading, so it circles the cube as the heading turns.
+// The camera follows behind the heading, so that it circles the cube as the heading turns.
 static void showGameOver()
 {
     displayGameOver();
@@ -519,7 +519,8 @@ void initSkyBoxTexture()
     if (!loadTexture("Loading skybox texture...\n", "TexSkyBox.tga", GL_RGB, &skyBoxImage,
                      &skyBoxTexName))
         return;
-    // GL_CLAMP mixes the border into all edges of the walls: black, its default, would line them.
+    // GL_CLAMP mixes the border colour into the edges of the walls, where the default, black, would
+    // show as dark lines.
     const uint8_t *first = skyBoxImage->imageData;
     const float border[] = {first[0] / 255.0f, first[1] / 255.0f, first[2] / 255.0f, 1};
     glBindTexture(GL_TEXTURE_2D, skyBoxTexName);
@@ -574,7 +575,7 @@ void drawSkyBox()
 {
     glDisable(GL_LIGHTING);
     glDisable(GL_FOG);
-    glDisable(GL_DEPTH_TEST); // which also keeps the box out of the depth buffer
+    glDisable(GL_DEPTH_TEST); // this also keeps the box out of the depth buffer
     useTexture(skyBoxTexName, GL_REPLACE, GL_CLAMP);
     glPushMatrix();
     glTranslatef(cam.position.x, cam.position.y + SKY_ABOVE_EYE, cam.position.z);
@@ -596,8 +597,8 @@ static void ignoreGlutError(const char *, va_list)
 }
 
 // freeglut ends the process when a character is drawn before glutInit, which would open a second
-// connection to the display. An error handler that returns lets it draw: the font needs no more
-// than the current OpenGL context.
+// connection to the display. With an error handler that returns, freeglut draws the character: the
+// font needs only the current OpenGL context.
 static void drawCharacters(const char *text)
 {
     glutInitErrorFunc(ignoreGlutError);
@@ -605,7 +606,7 @@ static void drawCharacters(const char *text)
         glutBitmapCharacter(GLUT_BITMAP_HELVETICA_18, *text);
 }
 
-// Unlit, and in front of everything; the text starts at its anchor and runs to the right.
+// The text is unlit and in front of everything. It runs to the right from the point above the cube.
 static void drawTextAboveCube(const char *text, float height)
 {
     glDisable(GL_LIGHTING);

@@ -18,7 +18,7 @@ constexpr int DISPLAY_HEIGHT = 768;
 constexpr int PEOPLE = 20000; // in a new world
 constexpr int TANKS = 1500;
 
-// The world. The lists are allocated at start-up; everything here is released by quit.
+// The world. makeWorld allocates the lists; quit releases everything here.
 extern Cube cb;
 extern Terrain ter;
 extern Camera cam;
@@ -27,12 +27,12 @@ extern TankList *tankLst;
 extern ShotList *shotLst;
 
 extern uint8_t *keys;     // SDL's key states by key code, 1 while held; SDL owns them
-extern int VIEW_DISTANCE; // world units; the far plane and the end of the fog sit at half of it
-extern int SHADOW;        // 1 while the cube's shadow is drawn; cleared for good on slow machines
-extern int TERRAIN_DEFORMING;  // 1 while the ground gives way under the cube
+extern int VIEW_DISTANCE; // world units; the far plane and the end of the fog are at half of it
+extern int SHADOW;        // 1 while the cube's shadow is drawn; set to 0 for good on slow machines
+extern int TERRAIN_DEFORMING;  // 1 while the cube presses dents into the ground
 extern int WIRE_FRAME;         // 1: every polygon is drawn as lines
-extern int TRANSPARENCY;       // 1: people are picture boards; read while the horde is made
-extern int gameOver;           // 1 once the cube has been shot below its smallest size
+extern int TRANSPARENCY;       // 1: people are picture boards; makeList reads it
+extern int gameOver;           // 1 once the cube has shrunk below its smallest size
 extern float shadowSwitchTime; // seconds spent below the full draw distance
 extern float ratio;            // width / height of the display
 extern float timeH;            // length of the last world step
@@ -40,13 +40,15 @@ extern float skyBoxSize;       // half the edge of the sky box
 extern uint32_t skyBoxTexName; // OpenGL name of its texture
 extern TgaImage *skyBoxImage;  // owned
 
-// Start-up and the main loop; the arguments are ignored. Never returns: it leaves through quit.
+// Starts the game and runs its main loop; the arguments are ignored. Never returns: the process
+// ends in quit.
 extern "C" int SDL_main(int argc, char **argv);
 // Allocates the lists and fills the whole world from the images of the working directory. Returns
-// 1, or 0 after reporting what failed; quit then releases what was made. Wants an OpenGL context.
+// 1, or 0 after reporting what failed; quit then releases what was made. Without an OpenGL context
+// the world can be stepped, but not drawn.
 int makeWorld();
 // Sets the OpenGL state of the whole run, clears the stencil buffer, which no frame does, and loads
-// the sky's texture. Call once, with a context.
+// the sky's texture. Call once. Without an OpenGL context it sets ratio and loads the image.
 void setupOpengl(int width, int height);
 void processEvents();     // applies the held keys, drains the event queue; may quit
 [[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
@@ -57,10 +59,10 @@ void drawScreen();
 Eye eyeOnCube();               // what a frame is seen with: from cam toward cb
 void lookFrom(const Eye *eye); // multiplies the current matrix by the eye's gluLookAt
 void collideCubeTerrain();     // dents the ground under cb and pushes cb out of it
-void initSkyBoxTexture();      // from TexSkyBox.tga; without it the sky is drawn plain
+void initSkyBoxTexture();      // from TexSkyBox.tga; without it the sky is untextured
 void drawSkyBox();             // around the eye, behind everything
-void drawShadow();             // of cb, no more of the screen than it can cover
-void placeAndDrawCube();       // where cb is, and as it is turned
-void displayScore();           // the texts take the current colour
+void drawShadow();             // of cb, limited to the part of the screen where it can be
+void placeAndDrawCube();       // at the position and in the orientation of cb
+void displayScore();           // this and the next two: above cb, in the current colour
 void displaySize();
 void displayGameOver();

@@ -16,12 +16,12 @@
 constexpr double GRID_CENTRE = BUCKET_COUNT / 2.0; // bucket units from the edge to the world origin
 constexpr float FLEE_RADIUS = 500.0f;
 constexpr float TOP_SPEED = 45.0f;   // units/s along each axis
-constexpr int WANDER_THRESHOLD = 95; // of 100; a higher draw changes the course
+constexpr int WANDER_THRESHOLD = 95; // of 1 to 100; a higher random number changes the course
 constexpr float GROWTH_PER_PERSON = 1.0f;
 constexpr int SCORE_PER_PERSON = 10;
 constexpr float FEET_ABOVE_GROUND = 1.0f;
 
-// The pictures of the picture-board mode; every person carries the pointers, the module owns them.
+// The pictures of the picture boards. Every person points to them; this module owns them.
 static TgaImage *frontPicture = nullptr;
 static TgaImage *backPicture = nullptr;
 
@@ -134,7 +134,7 @@ static int makeBuckets(PeopleList *list)
     return 1;
 }
 
-// One side of the picture board: loads and keys the picture and uploads it.
+// Loads the picture of one side of the board, makes its key colour transparent and uploads it.
 static int loadPicture(const char *file, const char *loading, const char *initialising,
                        TgaImage **image, uint32_t *texture)
 {
@@ -144,7 +144,7 @@ static int loadPicture(const char *file, const char *loading, const char *initia
     *image = tgaLoad(file);
     if (tgaIsRGB(*image))
         tgaRGBTransparency(*image);
-    if (!tgaIsRGB(*image) || (*image)->pixelDepth != 32) // 32 unless there was no memory to key it
+    if (!tgaIsRGB(*image) || (*image)->pixelDepth != 32) // not 32: no memory for that
     {
         fputs("   ...couldn't load TGA\n", stderr);
         return 0;
@@ -182,7 +182,7 @@ void initPerson(Person *person)
     person->direction = 0;
 }
 
-// A whole number between minus half the extent and half the extent.
+// A random whole number between minus half the extent and half the extent.
 static float scatteredCoordinate(int extent)
 {
     return static_cast<float>(truncateToInt(rand() % extent - extent / 2.0));
@@ -252,7 +252,7 @@ static bool isWithin(Span span, float value)
     return span.low < value && value < span.high;
 }
 
-// Closer than the radius; the first test spares most people the root.
+// Whether somebody is closer than the radius. One axis mostly decides that without a square root.
 static bool isNearby(float dx, float dz)
 {
     return mod(dx) < FLEE_RADIUS && mod(dz) < FLEE_RADIUS && pithag(dx, dz) < FLEE_RADIUS;
@@ -280,7 +280,7 @@ void updateAI(Person *person, const Cube *cube, int width, int resolution)
     think(person, cube, livingSpace(width * resolution));
 }
 
-// The z rule comes last: it wins in a corner.
+// The z rule comes last, so that it decides in a corner.
 static void turnBackAtEdge(Person *person, Span space)
 {
     Vector *velocity = &person->velocity;
@@ -303,8 +303,8 @@ namespace
 {
 constexpr int WHOLE_TOP_SPEED = static_cast<int>(TOP_SPEED);
 
-// The yaw along every velocity of whole units. People start with one and change it by whole units:
-// only those who have fled need an arc cosine of their own.
+// The yaw of every velocity whose components are whole numbers. People start with such a velocity
+// and change it by whole numbers; only the yaw of those who have fled must be computed.
 struct YawTable
 {
     float yaw[2 * WHOLE_TOP_SPEED + 1][2 * WHOLE_TOP_SPEED + 1]; // [x][z], from -TOP_SPEED
@@ -319,7 +319,7 @@ struct YawTable
 };
 } // namespace
 
-// The same for a velocity within the top speed, from the table when it stands there.
+// yawAlong for a velocity within the top speed. Whole numbers are looked up in the table.
 static float walkingYaw(Vector velocity)
 {
     static const YawTable table;
@@ -367,15 +367,14 @@ int checkPersonCollision(Person person, Cube *cube)
 
 namespace
 {
-// What a step found, to be applied after the walk through the grid, which must not change its
-// chains.
+// The changes that a step found. They are applied at its end: chains must not change on a walk.
 struct PendingChanges
 {
     PersonNode **removals;
     PersonNode **additions;
 };
 
-// What a step of the horde works on, the same for all people in range.
+// What is the same for everybody in one step of the horde.
 struct HordeStep
 {
     PeopleList *list;
@@ -388,7 +387,7 @@ struct HordeStep
 };
 } // namespace
 
-// The stain and the removal of a crushed person go together: without memory neither happens.
+// A crushed person leaves a stain and is removed; without memory neither is done.
 static void pendCrushed(PendingChanges *pending, Terrain *terrain, Person person, int row,
                         int column)
 {
@@ -399,7 +398,8 @@ static void pendCrushed(PendingChanges *pending, Terrain *terrain, Person person
     push(pending->removals, removal);
 }
 
-// Half a move would lose the person or file it twice: without memory for both entries it waits.
+// A move needs two entries: with one alone the person would be lost or be in two buckets. Without
+// memory for both the person stays in the old bucket until a later step.
 static void pendMove(PendingChanges *pending, Person person, int row, int column)
 {
     PersonNode *removal = makeNode(person, row, column);
@@ -479,7 +479,7 @@ constexpr float STICK_FIGURE[][2] = {
     {4, 0},   {4, 6},   {2, 6},   {2, 0},   // leg
 };
 
-// Unlit and seen from both sides. Without texturing: black must not depend on what is bound.
+// Unlit, visible from both sides, and untextured: black must not depend on the bound texture.
 static void drawStickFigure()
 {
     glColor3f(0, 0, 0);
@@ -495,8 +495,8 @@ static void drawStickFigure()
     glEnable(GL_LIGHTING);
 }
 
-// One side of the board, 20 units square; left is the x of the picture's right edge.
-static void drawBoardSide(uint32_t texture, float left)
+// One side of the board, 20 units square; rightEdge is the x of the picture's right edge.
+static void drawBoardSide(uint32_t texture, float rightEdge)
 {
     constexpr float HEIGHT = 20;
     glBindTexture(GL_TEXTURE_2D, texture);
@@ -505,17 +505,17 @@ static void drawBoardSide(uint32_t texture, float left)
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glBegin(GL_QUADS);
     glTexCoord2f(1, 0);
-    glVertex3f(left, 0, 0);
+    glVertex3f(rightEdge, 0, 0);
     glTexCoord2f(1, 1);
-    glVertex3f(left, HEIGHT, 0);
+    glVertex3f(rightEdge, HEIGHT, 0);
     glTexCoord2f(0, 1);
-    glVertex3f(-left, HEIGHT, 0);
+    glVertex3f(-rightEdge, HEIGHT, 0);
     glTexCoord2f(0, 0);
-    glVertex3f(-left, 0, 0);
+    glVertex3f(-rightEdge, 0, 0);
     glEnd();
 }
 
-// The current alpha of 0 makes the blend add the picture: its black texels leave the background.
+// With the current alpha of 0, blending adds the picture to the background: black adds nothing.
 static void drawPictureBoard(const Person *person)
 {
     glColor4f(0, 0, 0, 0);
@@ -534,7 +534,7 @@ void drawPerson(const Person *person)
         drawStickFigure();
 }
 
-// A sphere around a person in either drawing, whichever way it is turned.
+// A sphere that contains a person at every yaw, both the stick figure and the picture board.
 constexpr float FIGURE_MIDDLE = FEET_ABOVE_GROUND + 10;
 constexpr float FIGURE_RADIUS = 14.2f;
 
@@ -544,7 +544,7 @@ static bool isInView(const Person &person)
     return sphereInView({feet.x, feet.y + FIGURE_MIDDLE, feet.z}, FIGURE_RADIUS);
 }
 
-// World x of a row's people; the outermost rows also hold those beyond the grid.
+// The x of the people in a row. The first and the last row also contain those outside the grid.
 static Span rowSpan(const PeopleList *list, int row)
 {
     const auto edge = [list](int r)
@@ -552,7 +552,7 @@ static Span rowSpan(const PeopleList *list, int row)
     return {row == 0 ? -INFINITY : edge(row), row == BUCKET_COUNT - 1 ? INFINITY : edge(row + 1)};
 }
 
-// Takes out the columns of a row in which nobody can be in view.
+// Narrows the columns of a row to those in which people can be in view.
 static void narrowToView(const PeopleList *list, int row, int *firstColumn, int *endColumn)
 {
     const Span x = rowSpan(list, row);

@@ -15,7 +15,7 @@ constexpr int BUCKET_COUNT = 250; // buckets along each side of the grid
 struct Person
 {
     int id;                // identity, from 0 in order of creation
-    Vector position;       // y is the ground under the person
+    Vector position;       // y is the height of the ground
     Vector velocity;       // in the ground plane; y stays 0
     float direction;       // yaw of the drawing about +y
     TgaImage *frontImage;  // the pictures are shared by all people, and set only in the mode
@@ -50,9 +50,9 @@ struct ViewRange
 };
 
 // Life cycle. makeList builds the grid over sizex * resolution by sizez * resolution world units
-// and scatters n people in it, drawing four rand() numbers each; it needs an OpenGL context.
-// Returns 1, or 0 for a null list, a world too small for a bucket of one unit, a missing picture or
-// no memory; destroyPersonList accepts the list all the same.
+// and scatters n people in it, with four rand() numbers for each. Returns 1, or 0 for a null list,
+// a world too small for a bucket of one unit, a missing picture or no memory; destroyPersonList
+// accepts the list even then. Without an OpenGL context the list is complete, but cannot be drawn.
 int makeList(PeopleList *list, int n, int sizex, int sizez, int resolution);
 int destroyPersonList(PeopleList *list); // frees the people, the cells and the record; 1
 void initPerson(Person *person);         // position, velocity and direction to 0
@@ -61,15 +61,15 @@ void initPerson(Person *person);         // position, velocity and direction to 
 ViewRange viewRange(const PeopleList *list, const Cube *cube);
 int needUpdate(Person person, int row, int column, int steprate); // 1 when outside that bucket
 
-// Changes. People outside the grid are filed in its nearest edge bucket.
-int addPerson(PeopleList *list, Person person); // 1, or 0 when there is no memory: dropped
+// Changes. People outside the grid belong to its nearest edge bucket.
+int addPerson(PeopleList *list, Person person); // 1, or 0 if there is no memory
 // Takes the person with that id out of bucket (row, column). 1, or 0 when it is not there.
 int removePerson(PeopleList *list, Person person, int row, int column);
 // One step of h seconds for the people in the cube's view range.
 void updatePerson(PeopleList *list, Cube *cube, float h, Terrain *terrain);
 void updateAI(Person *person, const Cube *cube, int width, int resolution); // flee or wander
 void updatePersonPosition(Person *person, const Terrain *terrain, float h);
-int checkPersonCollision(Person person, Cube *cube); // 1 when crushed; the cube is then credited
+int checkPersonCollision(Person person, Cube *cube); // 1 when crushed; adds to size and score
 
 // Drawing
 void drawPerson(const Person *person); // at the origin; for use inside a list being compiled

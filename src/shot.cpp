@@ -120,7 +120,7 @@ void drawShots(ShotList *list, Terrain *terrain)
 }
 
 constexpr float HEAD_GLOW[] = {1, 0.8f, 0.4f, 1};
-constexpr float TAIL_GLOW[] = {0.5f, 0, 0, 0}; // alpha 0: the blend adds the tail to what is behind
+constexpr float TAIL_GLOW[] = {0.5f, 0, 0, 0}; // alpha 0: blending adds it to the background
 constexpr float NO_LIGHT[] = {0, 0, 0, 0};
 
 static void setGlow(const float *colour)
@@ -129,7 +129,7 @@ static void setGlow(const float *colour)
     glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, colour);
 }
 
-// Both tail vertices coincide: the quadrilateral shows as a triangle.
+// Both vertices of the tail are at the same place: the quadrilateral is a triangle.
 static void drawTail()
 {
     setGlow(TAIL_GLOW);

@@ -1,5 +1,5 @@
-// shot.h - the projectiles that tanks fire: they fly under gravity, knock and shrink the cube, or
-// blow a crater where they sink into the ground. World units, seconds, degrees.
+// shot.h - the projectiles that tanks fire: they fly under gravity, push and shrink the cube, or
+// dig a crater where they reach the ground. World units, seconds, degrees.
 #pragma once
 
 #include "util.h"
@@ -13,7 +13,7 @@ struct Shot
 {
     int32_t id;      // identity, given by addShot
     Vector position; // origin of the model
-    Vector velocity; // the horizontal parts count twice in flight
+    Vector velocity; // units/s; x and z are doubled when the shot moves
     int32_t heading; // yaw of the drawing about +y, whole degrees
     Shot *next;      // the next older shot, or null
 };
@@ -28,14 +28,14 @@ struct ShotList
 int destroyShotList(ShotList *list); // frees the shots and the record; 1
 
 // Changes
-int addShot(ShotList *list, Shot shot); // position, velocity and heading count; 1, or 0: no memory
-int removeShot(ShotList *list, Shot shot);             // by id; 1, or 0 when it is not in the list
-void applyShotGravity(Shot *shot, float dt);           // one step of the velocity
-void updateShotPosition(Shot *shot, float dt);         // one step of the position
-int checkShotCollision(const Shot *shot, Cube *cube);  // 1 when it strikes; the cube is then hit
+int addShot(ShotList *list, Shot shot);        // id and next are set here; 1, or 0: no memory
+int removeShot(ShotList *list, Shot shot);     // by id; 1, or 0 when it is not in the list
+void applyShotGravity(Shot *shot, float dt);   // one step of the velocity
+void updateShotPosition(Shot *shot, float dt); // one step of the position
+int checkShotCollision(const Shot *shot, Cube *cube);  // 1 if it hits; pushes and shrinks the cube
 void updateShot(ShotList *list, Cube *cube, float dt); // one world step of all shots
-void landShots(ShotList *list, Terrain *terrain); // ends those under the ground, with a crater each
+void landShots(ShotList *list, Terrain *terrain); // removes those under the ground, digs craters
 
 // Drawing
-void drawShots(ShotList *list, Terrain *terrain); // lands, then draws what still flies
-void drawShot(const Shot *shot); // the model, in the current frame; the record is not read
+void drawShots(ShotList *list, Terrain *terrain); // calls landShots, then draws the others
+void drawShot(const Shot *shot);                  // the model at the origin; the record is not read

@@ -16,19 +16,19 @@
 constexpr float FIRING_RANGE = 500.0f; // in the ground plane
 constexpr double RELOAD_SECONDS = 2.0; // between two shots of one tank
 constexpr float WANDER_SPEED = 100.0f; // units/s
-constexpr int SHORTEST_LEG = 500;      // units
-constexpr int LEG_SPREAD = 2000;       // units; legs are shorter than the sum of both
-constexpr double TURN_GAIN = 10.0;     // 1/s^2
-constexpr double SPEED_GAIN = 15.0;    // 1/s^2
-constexpr float MUZZLE_AHEAD = 10.0f;  // along world x, whatever way the turret faces
+constexpr int SHORTEST_LEG = 500;      // units driven from one choice of heading to the next
+constexpr int LEG_SPREAD = 2000;    // units; a leg is less than this much longer than the shortest
+constexpr double TURN_GAIN = 10.0;  // 1/s^2
+constexpr double SPEED_GAIN = 15.0; // 1/s^2
+constexpr float MUZZLE_AHEAD = 10.0f; // along world x, whichever way the turret faces
 constexpr float MUZZLE_HEIGHT = 33.0f;
 constexpr float MUZZLE_LIFT = 80.0f;  // upward speed of a shot
 constexpr double CRUSH_KICK = 3000.0; // units/s^2, upward; times the cube's mass
 constexpr float CRUSH_CRATER = 10.0f; // gives a crater of strength 20
 constexpr float CRUSH_GROWTH = 10.0f;
 constexpr int CRUSH_SCORE = 50;
-constexpr double PLACEMENT_OFFSET = 0.6; // of the extent: the scatter is not centred
-constexpr float HULL_YAW = 5.0f;         // degrees that the hull is drawn turned beyond its heading
+constexpr double PLACEMENT_OFFSET = 0.6; // of the extent; 0.5 would centre the tanks on the origin
+constexpr float HULL_YAW = 5.0f;         // degrees added to the heading when the tank is drawn
 
 // ---- life cycle ---------------------------------------------------------------------------------
 
@@ -134,7 +134,7 @@ static double headingToCube(const Tank *tank, const Cube *cube)
     return 180.0 - findDirection(cube->position, tank->position);
 }
 
-// The horizontal velocity is the offset to the cube itself: shots from farther away fly faster.
+// The horizontal velocity equals the offset to the cube: the farther the cube, the faster the shot.
 static void fire(const Tank *tank, const Cube *cube, ShotList *shots)
 {
     Shot shot = {};
@@ -149,7 +149,7 @@ static void engage(Tank *tank, const Cube *cube, ShotList *shots, float time)
 {
     tank->targetSpeed = 0;
     tank->targetHeading = static_cast<float>(headingToCube(tank, cube));
-    tank->wanderDistance = -1; // a new leg starts as soon as the cube is out of range
+    tank->wanderDistance = -1; // a new heading is chosen as soon as the cube is out of range
     if (static_cast<double>(time) - tank->lastShotTime > RELOAD_SECONDS)
     {
         fire(tank, cube, shots);
@@ -171,7 +171,7 @@ void updateTankAI(Tank *tank, const Cube *cube, ShotList *shots, float time)
     }
 }
 
-// Plain numbers, without wrapping: from 170 to -170 is a turn of 340 degrees.
+// Headings are not wrapped: from 170 to -170 a tank turns by 340 degrees.
 static void turnAndAccelerate(Tank *tank, float h)
 {
     if (tank->heading != tank->targetHeading)
@@ -188,7 +188,7 @@ static void turnAndAccelerate(Tank *tank, float h)
     }
 }
 
-// The x rule turns a tank back to the middle; the z rule, which wins in a corner, sends it outward.
+// Beyond the space along x a tank turns back. Beyond it along z, also in a corner, it goes outward.
 static void mindTheEdge(Tank *tank, Span space)
 {
     if (tank->position.x > space.high)
@@ -270,7 +270,7 @@ struct Quad
 } // namespace
 
 constexpr float ATLAS_UNITS = 32.0f;
-constexpr float MODEL_RADIUS = 4.5f; // model units from the ground under it to the muzzle's tip
+constexpr float MODEL_RADIUS = 4.5f; // model units from the ground below the centre to the muzzle
 
 constexpr Quad HULL[] = {
     // left track, outer

@@ -14,13 +14,13 @@ struct TgaImage;
 struct Tank
 {
     int id;              // identity, from 0 in order of creation
-    int wanderDistance;  // left of the current leg, whole units; 0 or less starts a new one
-    Vector position;     // y is the ground, as found when the tank was last settled
+    int wanderDistance;  // whole units to drive before a new heading is chosen; may be negative
+    Vector position;     // y is the height of the ground at the last settleTanks
     float speed;         // along heading, units per second
     float targetSpeed;   // what speed eases toward
     float acceleration;  // rate of change in the last step
     float heading;       // of the hull; not wrapped
-    float targetHeading; // what heading eases toward, as plain numbers
+    float targetHeading; // what heading eases toward; not wrapped
     float turnRate;      // rate of change in the last step
     float scale;         // of the model when it is drawn
     float lastShotTime;  // seconds since start-up
@@ -42,26 +42,28 @@ struct TankList
 };
 
 // Life cycle. makeTankList compiles the model, loads TexTank.tga from the working directory and
-// creates n equal tanks; it needs an OpenGL context. Returns 1, or 0 for a null list or a missing
-// picture. randomTankPlacement scatters them over sizex * resolution by sizez * resolution world
-// units, a tenth of it beyond the lower edges, with three rand() numbers each.
+// creates n equal tanks. Returns 1, or 0 for a null list or a missing picture. Without an OpenGL
+// context the list is complete, but cannot be drawn. randomTankPlacement scatters the tanks over
+// sizex * resolution by sizez * resolution world units, an area whose centre lies a tenth of its
+// sides below the origin along x and z, with three rand() numbers for each.
 int makeTankList(TankList *list, int n);
-void initTank(Tank *tank); // leaves id and wanderDistance alone
+void initTank(Tank *tank); // does not set id and wanderDistance
 void randomTankPlacement(TankList *list, int sizex, int sizez, int resolution);
 int destroyTankList(TankList *list); // frees the tanks, the picture and the record; 1
 
 // Changes
-int addTank(TankList *list, Tank tank);    // 1, or 0 when there is no memory: dropped
+int addTank(TankList *list, Tank tank);    // 1, or 0 if there is no memory
 int removeTank(TankList *list, Tank tank); // by id; 1, or 0 when it is not in the list
 // One step of h seconds for all tanks; time is in seconds since start-up.
 void updateTank(TankList *list, Cube *cube, float h, Terrain *terrain, ShotList *shots, float time);
-void updateTankAI(Tank *tank, const Cube *cube, ShotList *shots, float time); // goals, and fire
-void updateTankPosition(Tank *tank, float h, int width, int resolution);      // turn and drive
-int checkTankCollision(Tank tank, Cube *cube, Terrain *terrain); // 1 when crushed, effects applied
+// Chooses targetSpeed and targetHeading, and fires.
+void updateTankAI(Tank *tank, const Cube *cube, ShotList *shots, float time);
+void updateTankPosition(Tank *tank, float h, int width, int resolution); // turns and drives
+int checkTankCollision(Tank tank, Cube *cube, Terrain *terrain); // 1 when crushed; applies effects
 void settleTanks(TankList *list, const Terrain *terrain);        // puts every tank on the ground
 
 // Drawing
-void drawTank(const Tank *tank);   // hull and tracks at the origin; reads nothing of the tank
+void drawTank(const Tank *tank);   // hull and tracks at the origin; the record is not read
 void drawTurret(const Tank *tank); // turret and barrel, likewise
 void drawTanks(TankList *list, const Cube *cube,
-               const Terrain *terrain); // settles all, draws those in view
+               const Terrain *terrain); // calls settleTanks, then draws those in view

@@ -20,12 +20,15 @@ constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 25
 constexpr double GREY_LEVELS = 256.0;
 constexpr double SMOOTHING = 0.5; // share that a sample keeps of its own height
 constexpr int SMOOTHINGS = 3;
-constexpr double TEXTURE_STEP = 0.05;    // texture repeats a sample: one picture in 20 samples
-constexpr int DIRTY_REACH = 5;           // samples; blocks this near to a change are rebuilt too
-constexpr float STALE_HEIGHT = 100.0f;   // units that a list may show above the current heights
-constexpr double EDGE_MARGIN = 2000.0;   // of the living space, from the edges of the land
+constexpr double TEXTURE_STEP = 0.05;  // of the texture per sample, which repeats every 20 samples
+constexpr int DIRTY_REACH = 5;         // samples; blocks this near to a change are rebuilt too
+constexpr double EDGE_MARGIN = 2000.0; // units from the edges of the land to the living space
 constexpr float DENT_THRESHOLD = -50.0f; // a corner falling slower than this leaves no dent
 constexpr float STRONGEST_DEFORMATION = 20.0f;
+
+// A change at the corner of four blocks does not mark the diagonal one, whose list then shows the
+// corner sample higher than it is now, by less than this many units.
+constexpr float STALE_HEIGHT = 100.0f;
 
 // ---- life cycle ---------------------------------------------------------------------------------
 
@@ -70,7 +73,7 @@ static int allocateSamples(Terrain *terrain)
     return 1;
 }
 
-// Mostly the game was started in another folder than that of its images.
+// The usual cause is that the game was started in another folder than that of its images.
 static void tellWhereMapsAreSought()
 {
     char folder[4096]; // the longest path that Linux knows
@@ -114,7 +117,7 @@ static int acceptMaps(TgaImage *heights, const TgaImage *colours)
         return 0;
     }
     if (tgaBytesPerPixel(colours) < 3)
-        return 0; // its line stands above
+        return 0; // the line about it has been printed above
     fputs("   ...done\n", stderr);
     return 1;
 }
@@ -129,7 +132,7 @@ static void setSize(Terrain *terrain, const TgaImage *heights)
     terrain->worldDepth = static_cast<float>(terrain->height) * terrain->scale;
 }
 
-// Rows of the images run along x and their columns along z.
+// The row of a pixel gives x, its column gives z.
 static void constructSamples(Terrain *terrain, const TgaImage *heights, const TgaImage *colours)
 {
     fputs("Constructing map heights\n", stderr);
@@ -258,7 +261,7 @@ float getHeightAt(const Terrain *terrain, float x, float z)
         return 0;
     const int ix = static_cast<int>(fx);
     const int iz = static_cast<int>(fz);
-    // findYvalue for corners that share their x and z in pairs, which leaves out what is 0.
+    // This is findYvalue without the terms that are 0: two corners share z, and two share x.
     const float x0 = sampleX(terrain, ix), spanX = sampleX(terrain, ix + 1) - x0;
     const float z0 = sampleZ(terrain, iz), spanZ = sampleZ(terrain, iz + 1) - z0;
     const float y0 = terrain->map[ix][iz];
@@ -448,7 +451,7 @@ void terrainFlagDLDirty(Terrain *terrain, int i, int j)
 
 // ---- drawing ------------------------------------------------------------------------------------
 
-// Lower corner to centre of block b along one axis.
+// World coordinate of the centre of block b along one axis.
 static float blockCentre(int b, float scale, float extent)
 {
     return static_cast<float>(b * static_cast<double>(BLOCK_SIDE) * scale +
@@ -492,7 +495,7 @@ void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
     const float minZ = cz - size * 0.5f, maxZ = cz + size * 0.5f;
     glPushMatrix();
     setGroundSurface(terrain);
-    // The square with a sample to spare each way; the comparisons below decide.
+    // A sample more than the square needs on each side; the comparisons below are exact.
     const int endI = std::min(worldToTerrainX(terrain, maxX) + 2, terrain->width - 1);
     const int firstJ = std::max(worldToTerrainZ(terrain, minZ) - 1, 0);
     const int endJ = std::min(worldToTerrainZ(terrain, maxZ) + 2, terrain->height);
@@ -524,7 +527,7 @@ struct Range // of samples along one axis; half open
 };
 } // namespace
 
-// What block b shows along x. Its last strip is the first of the next block.
+// The samples that block b shows along x. Its last strip is drawn again by the next block.
 static Range columnsOf(const Terrain *terrain, int b)
 {
     return {b * BLOCK_SIDE, std::min(b * BLOCK_SIDE + BLOCK_SIDE + 2, terrain->width)};
@@ -535,7 +538,7 @@ static Range rowsOf(const Terrain *terrain, int b)
     return {b * BLOCK_SIDE, std::min(b * BLOCK_SIDE + BLOCK_SIDE + 1, terrain->height)};
 }
 
-// In view the first sample mostly fulfils the condition.
+// Whether a sample fulfils the condition. In a block that is in view, mostly the first one does.
 template <typename Condition>
 static bool hasSample(const Terrain *terrain, Range columns, Range rows, Condition condition)
 {
@@ -559,7 +562,7 @@ static void drawBlock(Terrain *terrain, int bx, int bz)
     glCallList(*list);
 }
 
-// The blocks in view of those from firstZ to endZ that share bx.
+// Draws those of the blocks (bx, firstZ) to (bx, endZ - 1) that are in view.
 static void drawBlocksAlongZ(Terrain *terrain, int bx, int firstZ, int endZ)
 {
     const Range columns = columnsOf(terrain, bx);

@@ -36,11 +36,11 @@ constexpr int DEFORM_DENT = 0;   // deformTerrain: a corner of the cube pressed 
 constexpr int DEFORM_CRATER = 1; // deformTerrain: an explosion
 
 // Life cycle. initTerrain builds the record from Map.tga, MapTex.tga and TexNoise.tga of the
-// working directory, reporting on standard error; it needs an OpenGL context. Returns 1, or 0 when
-// the terrain could not be completed: the game cannot be played on it, but deleteTerrain accepts
-// it.
+// working directory, reporting on standard error. Returns 1, or 0 when the terrain could not be
+// completed: the game cannot be played on it, but deleteTerrain accepts it. Without an OpenGL
+// context everything but drawing works; texture is not set and the names of the lists are 0.
 int initTerrain(Terrain *terrain);
-void deleteTerrain(Terrain *terrain); // keeps the OpenGL names: it runs while the game quits
+void deleteTerrain(Terrain *terrain); // keeps the OpenGL names, which end with the context
 
 // Queries
 int worldToTerrainX(const Terrain *terrain, float x); // nearest sample, clamped to the grid
@@ -48,32 +48,32 @@ int worldToTerrainZ(const Terrain *terrain, float z);
 // World y of the ground: the plane through samples (i, j), (i + 1, j) and (i + 1, j + 1) of the
 // cell, in both of its halves. 0 on and outside the outermost grid lines.
 float getHeightAt(const Terrain *terrain, float x, float z);
-// The x and z within which people and tanks live, on land of that extent: from 2000 units inside of
-// one edge to 2000 units inside of the other. low > high on land of less than 4000 units.
+// The x and z between which people and tanks stay, on land of that extent: 2000 units away from the
+// edges. low > high on land of less than 4000 units.
 Span livingSpace(double extent);
 
 // Changes. Boxes are half open, from x0 and z0 up to but excluding x1 and z1; what lies outside the
 // grid is skipped.
-void smoothTerrain(Terrain *terrain); // four running-average sweeps over all heights
+void smoothTerrain(Terrain *terrain); // four passes of a running average over all heights
 void computeTerrainNormals(Terrain *terrain);
 void smoothSelectedArea(Terrain *terrain, int x0, int x1, int z0, int z1);
 void computeSelectedNormals(Terrain *terrain, int x0, int x1, int z0, int z1);
-// Lowers the ground around position (its y is not used). v is the vertical speed of a dent, below
-// -50 to have an effect, or the power of a crater, above 0. Any other mode changes nothing.
+// Lowers the ground around position (its y is not used). v is the vertical speed of a dent, without
+// effect from -50 up, or the power of a crater, without effect from 0 down. Other modes do nothing.
 void deformTerrain(Terrain *terrain, Vector position, float v, int mode);
 // Blends the nearest sample's colour toward (red, green, blue) by the fraction t, 0 to 1.
 void colourTerrain(Terrain *terrain, Vector position, float red, float green, float blue, float t);
-// The same at sample (i, j), which must lie in the grid, without marking its block.
+// Blends the colour of sample (i, j), which must be in the grid, but does not mark its block.
 void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, float blue,
                         float t);
-// Marks the block of sample (i, j) for rebuilding, and those within 5 samples of it along an axis.
-// The lists that they had are deleted.
+// Marks the block of sample (i, j), and those within 5 samples of (i, j) along an axis, to be
+// compiled anew, and deletes their lists.
 void terrainFlagDLDirty(Terrain *terrain, int i, int j);
 
 // Drawing
 void generateTerrainDL(Terrain *terrain, int bx, int bz); // compiles into displayLists[bx][bz]
 // Emits the square of side size centred on (cx, cz); for use inside a list being compiled.
 void compileTerrain(const Terrain *terrain, float cx, float cz, float size);
-// Draws the blocks within distance / 2 of (x, z) along each axis, less those out of view, compiling
-// the marked ones.
+// Draws the blocks within distance / 2 of (x, z) along each axis that are in view, after compiling
+// those of them that are marked.
 void drawTerrain(Terrain *terrain, float x, float z, float distance);

@@ -39,7 +39,7 @@ double clampedAcos(double c)
     return std::acos(c > 1.0 ? 1.0 : c < -1.0 ? -1.0 : c);
 }
 
-// One rounding from double to float a component; the casts are gathered here.
+// Rounds each component once, from double to float.
 static Vector roundedVector(double x, double y, double z)
 {
     return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};

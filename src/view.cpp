@@ -12,7 +12,7 @@ struct Direction
     double x, y, z;
 };
 
-// Half a space: what is in view lies at distance 0 or more.
+// A side of the view. Points in view have a distance of 0 or more from it.
 struct Plane
 {
     Direction normal; // unit length
@@ -31,15 +31,15 @@ struct View
 };
 } // namespace
 
-// Units. Single precision places a vertex about this well.
-constexpr double SLACK = 1.0;
-// Twice the rounding of single precision, and how far from the origin the land reaches. A vertex is
-// clipped where its depth and its distance, both about far, differ by rounding; there the depth
-// grows by 2 / far a unit, with the near plane at 1.
-constexpr double CLIP_ROUNDING = 2e-7;
-constexpr double REACH = 10000;
-constexpr double PIXEL_SLACK = 8.0; // the same for prisms that end ten million units away
-// Below this share of the ground plane in the direction of the look, its rounding turns the view.
+constexpr double SLACK = 1.0; // units by which single precision may misplace a vertex
+// OpenGL clips a vertex at the far plane where its depth exceeds its distance. Both are about far
+// and rounded to single precision, while their difference grows by only 2 / far per unit (with the
+// near plane at 1): the rounding can move the far plane by many units.
+constexpr double CLIP_ROUNDING = 2e-7; // twice the relative rounding of single precision
+constexpr double REACH = 10000;        // units from the origin to the end of the land
+// Pixels. Shadow prisms end ten million units away, where single precision is coarse.
+constexpr double PIXEL_SLACK = 8.0;
+// Least horizontal part of the unit vector ahead. If it is smaller, its rounding turns the picture.
 constexpr double STEEPEST = 0.002;
 
 static View view;
@@ -112,7 +112,7 @@ void setView(const Eye *eye)
 {
     view.eye = direction(eye->position);
     view.ahead = unit(difference({eye->target[0], eye->target[1], eye->target[2]}, view.eye));
-    // Nor is there a view without a direction or a depth.
+    // Without a direction, or with near beyond far, there is no view either.
     isSet = std::hypot(view.ahead.x, view.ahead.z) > STEEPEST && eye->near < eye->far;
     if (!isSet)
         return;
@@ -148,7 +148,7 @@ static float toFloat(double value)
     return static_cast<float>(std::clamp(value, -LARGEST, LARGEST));
 }
 
-// A box lies outside a plane when the corner that reaches farthest inward does.
+// For each plane, the height at which the box's corner that is farthest inward touches the plane.
 Span viewHeights(Span x, Span z)
 {
     Span heights = {-INFINITY, INFINITY};
@@ -175,7 +175,7 @@ static void extend(Span *span, double value)
     span->high = std::max(span->high, static_cast<float>(value + SLACK));
 }
 
-// Where the edge from a to b passes x, if it does.
+// Extends z to where the edge from a to b crosses x, if it does.
 static void extendAtCrossing(Span *z, Direction a, Direction b, double x)
 {
     if ((a.x < x) != (b.x < x))
@@ -211,7 +211,8 @@ struct Bounds // in units of half the display from its middle
 };
 } // namespace
 
-// In the eye's own frame: right and up in units of half the field of view, and ahead.
+// Coordinates of the eye: x to the right and y up, both divided by the tangent of half the field of
+// view, and z ahead.
 static Direction seenFrom(Vector point)
 {
     const Direction offset = difference(direction(point), view.eye);
@@ -233,8 +234,8 @@ static int toPixel(double position, double slack, int size)
     return truncateToInt(std::clamp((position * 0.5 + 0.5) * size + slack, 0.0, 1.0 * size));
 }
 
-// What the near plane leaves of a hull has its corners at points in front of the plane and where
-// the line between one in front and one behind passes it.
+// The near plane cuts a part off the hull. The corners of the rest are the points in front of the
+// plane and the crossings of the plane with the lines from a point in front to a point behind.
 ScreenArea screenArea(const Vector *points, int count, int width, int height)
 {
     if (!isSet)

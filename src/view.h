@@ -1,5 +1,5 @@
-// view.h - the volume that a frame shows, so that what lies wholly outside it is not sent. The
-// answers err on the side of sending: what they leave out cannot reach a pixel.
+// view.h - the volume that the eye sees, so that objects wholly outside of it need not be sent to
+// OpenGL. In doubt the answer is "in view": what is said to be outside cannot change a pixel.
 // World units; y up. While no view is set, everything is in view.
 #pragma once
 
@@ -20,8 +20,8 @@ struct ScreenArea
     int width, height;
 };
 
-// Takes the view of gluLookAt and gluPerspective. An eye that looks straight up or down has no view
-// of its own: everything is in view then.
+// Sets the view that gluLookAt and gluPerspective give the eye. For an eye that looks straight up
+// or down no view is set.
 void setView(const Eye *eye);
 void clearView();
 
@@ -29,9 +29,9 @@ bool sphereInView(Vector centre, float radius); // false when the sphere lies wh
 // The heights that decide whether a box over the spans x and z is in view: it lies wholly outside
 // if its top is below low or its bottom above high. low > high does not mean that it lies outside.
 Span viewHeights(Span x, Span z);
-// The z that the view covers, at any height, where x lies in the given span; low > high where it
-// covers none.
+// The span of z that contains every point of the view, at any height, whose x is in the given span.
+// low > high if there is no such point.
 Span viewSpan(Span x);
-// The pixels of a display of that size that the convex hull of some points can cover: all without a
-// view, an area without width or height where the hull is out of sight.
+// The pixels of a display of that size in which the convex hull of the points can be seen: none if
+// the hull is out of view, all while no view is set.
 ScreenArea screenArea(const Vector *points, int count, int width, int height);

@@ -1,11 +1,11 @@
-// What a step of the world, a frame and the start-up cost, part by part, in the game's own world.
+// Measures how long a step of the world, a frame, the parts of a frame and the start-up take.
 //
 //     cmake --preset bench && cmake --build --preset bench
-//     build/bench/bench/bench_world data        (needs a display; without one: xvfb-run -a -s
-//                                               "-noreset -screen 0 1024x768x24" in front)
+//     build/bench/bench/bench_world data
 //
-// The argument is the folder of the images, by default the current one. The world is the same on
-// every run. Google Benchmark's options, such as --benchmark_filter=frame, go before the folder.
+// The program needs a display; without one, put xvfb-run -a -s "-noreset -screen 0 1024x768x24" in
+// front. The argument is the folder of the images, by default the current one; options of Google
+// Benchmark, such as --benchmark_filter=frame, go before it. Every run makes the same world.
 #include "animate.h"
 #include "camera.h"
 #include "cube.h"
@@ -29,19 +29,20 @@
 #include <unistd.h>
 
 constexpr uint32_t STEP = 16;        // milliseconds
-constexpr int START_DISTANCE = 5000; // a part of the horde is in range
-constexpr int WHOLE_LAND = 40000;    // all of it is, and nothing is fogged
-constexpr float FOLLOW = 300;        // the eye behind the cube, and above the ground
-constexpr float NEIGHBOURHOOD = 500; // units, within which a crowd or a fight is counted
+constexpr int START_DISTANCE = 5000; // draw distance at which a part of the horde is in range
+constexpr int WHOLE_LAND = 40000;    // draw distance at which all of the land is, without fog
+constexpr float FOLLOW = 300;        // units of the eye above the ground
+constexpr float NEIGHBOURHOOD = 500; // units within which people or tanks are counted
 constexpr int SEARCH_STEP = 4;       // samples between the places that are tried
-constexpr int SEARCH_MARGIN = 100;   // samples from the edges: people and tanks turn back there
-constexpr float CLEARANCE = 50;      // of the cube's centre above the ground: half its edge
-constexpr float HIGH_UP = 1500;      // the same in the air
-constexpr int PART_FRAMES = 40;      // for each part: some take no time of their own
+constexpr int SEARCH_MARGIN = 100; // samples from the edges, near which people and tanks turn back
+constexpr float ON_GROUND = 50;    // units of the cube's centre above the ground: half its edge
+constexpr float HIGH_UP = 1500;    // units of the cube's centre above the ground
+// Google Benchmark would repeat a part until its time adds up, and some parts take almost none.
+constexpr int PART_FRAMES = 40;
 
 static uint32_t ticks = 0;
 
-// Every step is as long as the others, however long it takes.
+// The clock of the game: all steps have the same length, whatever time passes.
 extern "C" uint32_t __wrap_SDL_GetTicks()
 {
     return ticks += STEP;
@@ -58,9 +59,9 @@ static int openDisplay()
 
 // ---- places -------------------------------------------------------------------------------------
 
-typedef double (*Score)(float x, float z); // how well a place suits; the best is taken
+typedef double (*Score)(float x, float z); // of a place; the place with the highest is taken
 
-// Where most people are in range.
+// In the middle of the land most people are in range.
 static double centrality(float x, float z)
 {
     return -pithag(x, z);
@@ -113,11 +114,11 @@ struct Scene
 };
 } // namespace
 
-constexpr Scene SCENES[] = {{"middle", centrality, SEARCH_STEP, CLEARANCE},
-                            {"plain", flatness, SEARCH_STEP, CLEARANCE},
-                            {"summit", height, SEARCH_STEP, CLEARANCE},
-                            {"crowd", peopleNear, SEARCH_STEP * 8, CLEARANCE},
-                            {"under fire", tanksNear, SEARCH_STEP, CLEARANCE},
+constexpr Scene SCENES[] = {{"middle", centrality, SEARCH_STEP, ON_GROUND},
+                            {"plain", flatness, SEARCH_STEP, ON_GROUND},
+                            {"summit", height, SEARCH_STEP, ON_GROUND},
+                            {"crowd", peopleNear, SEARCH_STEP * 8, ON_GROUND},
+                            {"under fire", tanksNear, SEARCH_STEP, ON_GROUND},
                             {"in the air", flatness, SEARCH_STEP, HIGH_UP}};
 
 static Vector bestPlace(const Scene &scene)
@@ -139,7 +140,7 @@ static Vector bestPlace(const Scene &scene)
     return best;
 }
 
-// The cube stands still at the place, the eye behind it as the camera would come to rest.
+// Puts a resting cube at the place, and the eye where the camera would come to rest.
 static void arrange(const Scene &scene)
 {
     static std::map<const Scene *, Vector> found;
@@ -161,7 +162,7 @@ static void arrange(const Scene &scene)
 
 // ---- what is measured ---------------------------------------------------------------------------
 
-// Steps or draws again and again from the same start; the people and the tanks go on.
+// Repeats a step or a frame with the same cube and camera. People and tanks move on.
 static void repeat(benchmark::State &state, const Scene *scene, int distance, void (*work)())
 {
     arrange(*scene);
@@ -236,7 +237,7 @@ constexpr Part PARTS[] = {{"part/clear", clearAndAim},
                           {"part/cube, shots, text", cubeShotsText},
                           {"part/swap", SDL_GL_SwapBuffers}};
 
-// Seconds that a part takes; what was drawn before it is finished first.
+// Seconds that a part takes. OpenGL first finishes what was sent before it.
 static double timePart(const Part &part)
 {
     glFinish();
@@ -246,8 +247,9 @@ static double timePart(const Part &part)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Draws whole frames, since a part costs what the earlier ones leave it to cover, and counts one.
-static void partOfFrame(benchmark::State &state, const Part *counted)
+// Draws whole frames, since the time of a part depends on the parts drawn before it, but measures
+// only one part.
+static void partOfFrame(benchmark::State &state, const Part *measured)
 {
     arrange(SCENES[0]);
     VIEW_DISTANCE = START_DISTANCE;
@@ -256,7 +258,7 @@ static void partOfFrame(benchmark::State &state, const Part *counted)
         for (const Part &part : PARTS)
         {
             const double seconds = timePart(part);
-            if (&part == counted)
+            if (&part == measured)
                 state.SetIterationTime(seconds);
         }
     clearView();

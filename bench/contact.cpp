@@ -1,6 +1,7 @@
-// Which step lengths the contact forces bear: rolls the cube over the game's own land without
-// drawing it, a minute in each direction at equal steps with Up held, and counts the runs in which
-// it is thrown.
+// Shows for which step lengths the contact forces are stable: rolls the cube over the game's own
+// land without drawing it, with the key Up held, and counts the runs in which the cube is thrown.
+// The runs last a minute, each in another direction: first with equal steps, then with one longer
+// step.
 //
 //     build/bench/bench/contact data
 #include "cube.h"
@@ -11,16 +12,30 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <unistd.h>
 
-constexpr int SHORTEST = 10, LONGEST = 70, APART = 5; // milliseconds
+constexpr int SHORTEST = 10, LONGEST = 70, APART = 5; // milliseconds of equal steps
+constexpr int USUAL = 33;                             // milliseconds around a longer step
+constexpr int STALLS[] = {125, 250, 500, 1000};       // milliseconds of a longer step
+constexpr float STALL_TIMES[] = {10, 25, 40};         // seconds from the start of a run
 constexpr int DIRECTIONS = 16;
 constexpr float SECONDS = 60;
-constexpr float THROWN = 1000; // units above the ground; no hill and no tank sends it as high
+constexpr float THROWN =
+    1000; // units above the ground, which no hill and no tank makes the cube reach
+
+namespace
+{
+struct Stall // one longer step
+{
+    float time; // seconds from the start
+    int milliseconds;
+};
+} // namespace
 
 static uint8_t held[SDLK_LAST];
 
-// On land without a dent.
+// Makes the land anew, without dents, and lays the cube on its middle. 0: there is no land.
 static int begin(float heading)
 {
     if (!initTerrain(&ter))
@@ -33,11 +48,20 @@ static int begin(float heading)
     return 1;
 }
 
-static bool isThrown(int milliseconds)
+static void end()
 {
-    timeH = static_cast<float>(milliseconds / 1000.0);
+    destroyCube(&cb);
+    deleteTerrain(&ter);
+}
+
+static bool isThrown(int milliseconds, Stall stall)
+{
+    bool isStallOver = false;
     for (float t = 0; t < SECONDS; t += timeH)
     {
+        const bool stalls = !isStallOver && t >= stall.time;
+        isStallOver |= stalls;
+        timeH = static_cast<float>((stalls ? stall.milliseconds : milliseconds) / 1000.0);
         handleKeyDown();
         updateCube(&cb, timeH);
         collideCubeTerrain();
@@ -45,6 +69,23 @@ static bool isThrown(int milliseconds)
             return true;
     }
     return false;
+}
+
+// The runs, one in each direction, in which the cube is thrown.
+static int countThrown(int milliseconds, Stall stall)
+{
+    int thrown = 0;
+    for (int i = 0; i < DIRECTIONS; ++i)
+    {
+        if (!begin(i * 360.0f / DIRECTIONS))
+        {
+            puts("No land: the folder of the images is missing");
+            exit(EXIT_FAILURE);
+        }
+        thrown += isThrown(milliseconds, stall);
+        end();
+    }
+    return thrown;
 }
 
 int main(int argc, char **argv)
@@ -55,21 +96,17 @@ int main(int argc, char **argv)
         return EXIT_FAILURE;
     keys = held;
     held[SDLK_UP] = 1;
-    puts("step    thrown");
+    puts("equal steps    thrown");
     for (int milliseconds = SHORTEST; milliseconds <= LONGEST; milliseconds += APART)
+        printf("%8d ms    %2d of %d\n", milliseconds, countThrown(milliseconds, {SECONDS, 0}),
+               DIRECTIONS);
+    puts("one longer step");
+    for (int milliseconds : STALLS)
     {
         int thrown = 0;
-        for (int i = 0; i < DIRECTIONS; ++i)
-        {
-            if (!begin(i * 360.0f / DIRECTIONS))
-            {
-                puts("No land: the folder of the images is missing");
-                return EXIT_FAILURE;
-            }
-            thrown += isThrown(milliseconds);
-            destroyCube(&cb);
-            deleteTerrain(&ter);
-        }
-        printf("%2d ms   %2d of %d\n", milliseconds, thrown, DIRECTIONS);
+        for (float time : STALL_TIMES)
+            thrown += countThrown(USUAL, {time, milliseconds});
+        printf("%8d ms    %2d of %d\n", milliseconds, thrown,
+               DIRECTIONS * static_cast<int>(std::size(STALL_TIMES)));
     }
 }

@@ -56,7 +56,7 @@ void handleKeyDown();     // turns the held keys into torque and heading of cb
 
 // The frame: steps the world, draws it, swaps the buffers.
 void drawScreen();
-Eye eyeOnCube();               // what a frame is seen with: from cam toward cb
+Eye eyeOnCube();               // the eye of a frame: at cam, looking at cb
 void lookFrom(const Eye *eye); // multiplies the current matrix by the eye's gluLookAt
 void collideCubeTerrain();     // dents the ground under cb and pushes cb out of it
 void initSkyBoxTexture();      // from TexSkyBox.tga; without it the sky is untextured

@@ -1,6 +1,9 @@
 #include "player.h"
 
+#include "cube.h"
 #include "main.h"
+#include "people.h"
+#include "tank.h"
 
 #include <SDL.h>
 
@@ -94,7 +97,8 @@ static bool isPrey(Vector tank)
            std::fabs(turnTo(findDirection(cb.position, tank))) < PREY_ANGLE;
 }
 
-// The tanks that the fog does not hide, as offsets from the cube.
+// The tanks around that the fog does not hide, as offsets from the cube: the player has looked
+// around and remembers those behind.
 static std::vector<Vector> lookForTanks()
 {
     std::vector<Vector> offsets;

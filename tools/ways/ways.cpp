@@ -5,9 +5,13 @@
 //
 // GAMES games are played in each way, 16 by default, with the seeds SEED, SEED + 1, ... of the
 // random numbers; the first is 1 by default. The same seeds always give the same table.
+#include "cube.h"
 #include "folder.h"
 #include "main.h"
+#include "people.h"
 #include "player.h"
+#include "tank.h"
+#include "terrain.h"
 
 #include <SDL.h>
 
@@ -20,7 +24,6 @@
 #include <unistd.h>
 #include <vector>
 
-constexpr int PEOPLE = 20000, TANKS = 1500;
 constexpr int DEFAULT_GAMES = 16, MOST_GAMES = 1000, MOST_SEED = 1000000;
 constexpr uint32_t STEP = 33;       // milliseconds
 constexpr float LONGEST_LIFE = 180; // seconds, after which a game is broken off
@@ -85,7 +88,8 @@ static void playFrame(const Way &way)
     drawScreen();
 }
 
-// Scatters people and tanks over the land that is loaded, and plays to the end.
+// Scatters people and tanks anew, and plays to the end. Those people who were scattered when the
+// world was loaded stay allocated until the process ends.
 static Life play(const Way &way, unsigned seed)
 {
     srand(seed);
@@ -179,19 +183,12 @@ static bool judge(const Life *lives, int games)
     return good;
 }
 
-// Allocates what start-up allocates before it scatters people and tanks; frees nothing on failure,
-// since the process ends then.
+// Without a display, as far as start-up goes without one.
 static bool loadWorld()
 {
-    peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
-    tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
-    shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
-    if (!peopleLst || !tankLst || !shotLst)
-        return false;
     keys = held;
-    initCube(&cb);
-    initCamera(&cam);
-    return initTerrain(&ter) == 1 && makeTankList(tankLst, TANKS) == 1;
+    setupOpengl(DISPLAY_WIDTH, DISPLAY_HEIGHT);
+    return makeWorld() == 1;
 }
 
 static bool judgeFolder(const char *folder, int games, unsigned seed)

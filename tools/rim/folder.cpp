@@ -15,7 +15,7 @@
 
 constexpr int HEADER_BYTES = 18;
 constexpr int TRUE_COLOUR = 2, GREY = 3; // image types
-constexpr int RUN_LENGTHS = 8;           // added to the type of a compressed image
+constexpr int COMPRESSED = 8;            // is added to the type of a compressed image
 
 namespace
 {
@@ -40,7 +40,8 @@ struct ImageHeader
 };
 } // namespace
 
-// All that the game reads; the pictures of people are read only by a mode that is switched off.
+// All images that the game reads. It would read two pictures of people only in a mode that is
+// switched off.
 constexpr ImageFile FILES[] = {{"Map.tga", HEIGHTS},       {"MapTex.tga", COLOURS},
                                {"TexNoise.tga", TEXTURE},  {"TexCube.tga", TEXTURE},
                                {"TexSkyBox.tga", TEXTURE}, {"TexTank.tga", TEXTURE}};
@@ -85,7 +86,7 @@ static int readHeader(const char *file, ImageHeader *header)
         return fault(file, "%s; paint it, or copy it from a land that can be played",
                      errno == ENOENT ? "it is missing" : strerror(errno));
     if (!S_ISREG(info.st_mode))
-        return fault(file, "it is no file; put an image file in its place");
+        return fault(file, "it is a folder, a pipe or a device; put an image file in its place");
     FILE *stream = fopen(file, "rb");
     if (!stream)
         return fault(file, "%s; make it readable", strerror(errno));
@@ -109,7 +110,7 @@ static int judgeType(const char *file, int type)
 {
     if (type == TRUE_COLOUR || type == GREY)
         return 0;
-    if (type > RUN_LENGTHS && type <= RUN_LENGTHS + GREY)
+    if (type > COMPRESSED && type <= COMPRESSED + GREY)
         return fault(file, "it is compressed; save it without compression "
                            "(ImageMagick: -compress none)");
     if (type == 1)
@@ -130,7 +131,7 @@ static int judgeDepth(const char *file, Use use, int depth)
     return 0;
 }
 
-// What the game would take for pixels, and whether they are all there.
+// Whether the file has as many pixels as it announces, and they begin where the game expects them.
 static int judgePixels(const char *file, const ImageHeader &header)
 {
     if (header.width < 1 || header.height < 1)
@@ -159,7 +160,7 @@ static int judgeImage(const ImageFile &file, ImageHeader *header)
     return judgeDepth(file.name, file.use, header->depth) | judgePixels(file.name, *header);
 }
 
-// A greyscale picture that was saved with an opaque alpha makes a land without hills.
+// Of a picture with alpha the game takes the alpha for the heights: an opaque one has no hills.
 static int judgeAlpha()
 {
     TgaImage *image = tgaLoad(MAP);

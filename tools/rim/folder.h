@@ -2,17 +2,18 @@
 // game would refuse or misread, and compare what they measured with bounds.
 #pragma once
 
-// The name stands in front of every complaint. From here on what the game reports on standard error
-// is thrown away; complaints still go there.
+// Throws away what the game reports on standard error from now on. Complaints are still printed
+// there, each after the name of the tool.
 void startTool(const char *name);
 
-void complain(const char *what, const char *fault);
+void complain(const char *about,
+              const char *fault); // a file or a folder, and what is wrong with it
 
 // Makes the folder the current one and prints a line for every fault of its images: what is wrong,
 // and what mends it. Returns how many faults there are.
 int openFolder(const char *folder);
 
-// Print a line that says whether a measured value is good; below a bad one stands what mends the
-// land. Return whether it is good.
+// Print a line that says whether a measured value is good, and after a bad one what mends the land.
+// Return whether the value is good.
 bool isAtMost(const char *what, int value, int bound, const char *remedy);
 bool isAtLeast(const char *what, double value, double bound, const char *unit, const char *remedy);

@@ -11,19 +11,21 @@
 #include <cmath>
 #include <vector>
 
-constexpr float WEAVE_SECONDS = 1;  // to one side, before the player weaves to the other
+constexpr float WEAVE_SECONDS = 1;  // to one side before the player turns to the other
 constexpr float REACTION = 0.2f;    // seconds between two decisions
 constexpr int HEADINGS = 24;        // among which a player chooses
-constexpr double SLACK = 10;        // degrees off the chosen heading that are left as they are
-constexpr float CROWD_REACH = 1500; // units, within which people are looked for
-constexpr float CLOSE = 200;        // units, below which a person attracts hardly more
-constexpr double TURNING = 0.002;   // dislike of each degree of turning, in people's attraction
-constexpr double FEAR = 0.3;        // of a tank next to the cube for half a second, likewise
-constexpr double DREADED = 700;     // units, within which a tank is feared: its range and a margin
-constexpr double FORESIGHT = 4;     // seconds that the careful player looks ahead
-constexpr double LOOK_STEP = 0.5;   // seconds between the places that the player thinks of
-constexpr double SLOWEST = 150;     // units/s that the player always expects to reach
-constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // a tank in front that is better crushed
+constexpr double TOLERANCE = 10;    // degrees off the chosen heading without a key to the side
+constexpr float CROWD_REACH = 1500; // units within which a player looks for people
+constexpr float CLOSE = 200;        // units; keeps the attraction of the nearest person finite
+constexpr double LOOK_STEP = 0.5;   // seconds between the places at which a player expects to be
+constexpr double FORESIGHT = 4;     // seconds until the last of these places
+constexpr double SLOWEST = 150;     // units/s that a player expects to reach at least
+constexpr double DREADED = 700;     // units; the firing range of a tank and a margin
+constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // of a tank that the player would crush
+
+// A heading is worth the attraction of the people there, less the turn in degrees times TURNING and
+// the danger times FEAR. The lives hardly change when FEAR is three times as large.
+constexpr double TURNING = 0.002, FEAR = 0.3;
 
 static double goal = 0; // heading in degrees
 static float nextDecision = 0;
@@ -52,7 +54,7 @@ static double headingOf(int choice)
     return (choice + 0.5) * 360.0 / HEADINGS;
 }
 
-static double turnTo(double heading) // degrees, from -180 to 180; to the right is positive
+static double turnTo(double heading) // degrees from -180 to 180; a turn to the right is positive
 {
     return std::remainder(heading - cb.heading, 360.0);
 }
@@ -72,7 +74,7 @@ static void addAttraction(Vector person, double *attraction)
     attraction[choice] += 1 / (distance + CLOSE);
 }
 
-// How much the people in the direction of each heading attract the player.
+// Sums up for each heading how much the people in its direction attract the player.
 static void lookForPeople(double *attraction)
 {
     std::fill_n(attraction, HEADINGS, 0.0);
@@ -90,7 +92,8 @@ static void lookForPeople(double *attraction)
                 addAttraction(node->person.position, attraction);
 }
 
-// A tank this near in front can hardly be avoided, and a crushed tank lets the cube grow.
+// Whether the tank is so near in front that it can hardly be avoided. A crushed tank makes the cube
+// grow.
 static bool isPrey(Vector tank)
 {
     return distanceTo(tank) < PREY_DISTANCE &&
@@ -108,7 +111,7 @@ static std::vector<Vector> lookForTanks()
     return offsets;
 }
 
-// How near to tanks a cube comes that goes on along a heading.
+// How near the cube will come to tanks along a heading: each tank adds up to 1 at each place.
 static double danger(const std::vector<Vector> &tanks, double heading)
 {
     const double speed = std::max<double>(pithag(cb.velocity.x, cb.velocity.z), SLOWEST);
@@ -152,8 +155,8 @@ static void roam(float seconds, uint8_t *held, double fear)
         nextDecision = seconds + REACTION;
     }
     held[SDLK_UP] = 1;
-    held[SDLK_LEFT] = turnTo(goal) < -SLACK;
-    held[SDLK_RIGHT] = turnTo(goal) > SLACK;
+    held[SDLK_LEFT] = turnTo(goal) < -TOLERANCE;
+    held[SDLK_RIGHT] = turnTo(goal) > TOLERANCE;
 }
 
 static void hunt(float seconds, uint8_t *held)

@@ -1,5 +1,5 @@
-// player.h - five ways of playing, each of which holds keys for the cube cb of the game that is
-// being played. A process plays one game: the players remember what they decided.
+// player.h - five ways of playing: each looks at the game's world and holds down keys. The players
+// remember their decisions in globals, so a process can play only one game.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@ struct Way
 {
     const char *name;
     void (*holdKeys)(float seconds, uint8_t *held); // seconds since the game was started
-    float leastMedian; // seconds that the median life must reach on a good land; 0: any
-    const char *remedy;
+    float leastMedian;  // seconds of the median life on a land that is good to learn on; 0: any
+    const char *remedy; // what helps a land on which the median is shorter; null without a bound
 };
 
 constexpr int WAY_COUNT = 5;
-constexpr int STANDING = 0, CAREFUL = 4; // the places in WAYS of two that are compared
+constexpr int STANDING = 0, CAREFUL = 4; // indices in WAYS
 extern const Way WAYS[WAY_COUNT];

@@ -26,8 +26,8 @@
 
 constexpr int DEFAULT_GAMES = 16, MOST_GAMES = 1000, MOST_SEED = 1000000;
 constexpr uint32_t STEP = 33;       // milliseconds
-constexpr float LONGEST_LIFE = 180; // seconds, after which a game is broken off
-constexpr float LONGEST_FALL = 60;  // seconds, in which the cube has landed on any land
+constexpr float LONGEST_LIFE = 180; // seconds after which a game is broken off
+constexpr float LONGEST_FALL = 60;  // seconds within which the cube lands
 constexpr float CARE_PAYS = 2;      // times the life of one who stands still
 
 namespace
@@ -77,8 +77,7 @@ static bool isOffTheLand()
     return mod(cb.position.x) > ter.worldWidth / 2 || mod(cb.position.z) > ter.worldDepth / 2;
 }
 
-// A whole frame, since the frame also moves the world: it lets shots end in the ground, for
-// example.
+// Plays a whole frame: drawing changes the world, too. It ends the shots that reach the ground.
 static void playFrame(const Way &way)
 {
     memset(held, 0, sizeof(held));
@@ -106,7 +105,8 @@ static Life play(const Way &way, unsigned seed)
 
 // ---- all games ----------------------------------------------------------------------------------
 
-static bool endOne(int *running)
+// Waits until a game has ended. Returns whether it did not crash.
+static bool awaitGame(int *running)
 {
     int status = 0;
     if (wait(&status) < 0)
@@ -115,8 +115,8 @@ static bool endOne(int *running)
     return status == 0;
 }
 
-// Every game is a process of its own: it starts with the land as it was loaded, and there is one
-// for each processor at a time. Returns whether all were played to their end.
+// Plays each game in a child process, which starts with the land as the parent loaded it, and as
+// many of them at a time as there are processors. Returns whether no game crashed.
 static bool playAll(Life *lives, int games, unsigned seed)
 {
     const int most = std::max(1, static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)));
@@ -125,7 +125,7 @@ static bool playAll(Life *lives, int games, unsigned seed)
     for (int i = 0; i < WAY_COUNT * games; ++i)
     {
         if (running == most)
-            good &= endOne(&running);
+            good &= awaitGame(&running);
         const pid_t child = fork();
         if (child == 0)
         {
@@ -138,7 +138,7 @@ static bool playAll(Life *lives, int games, unsigned seed)
             ++running;
     }
     while (running > 0)
-        good &= endOne(&running);
+        good &= awaitGame(&running);
     return good;
 }
 
@@ -183,7 +183,6 @@ static bool judge(const Life *lives, int games)
     return good;
 }
 
-// Without a display, as far as start-up goes without one.
 static bool loadWorld()
 {
     keys = held;
@@ -204,7 +203,7 @@ static bool judgeFolder(const char *folder, int games, unsigned seed)
     }
     if (!playAll(static_cast<Life *>(lives), games, seed))
     {
-        complain(folder, "a game ended before its time");
+        complain(folder, "the game crashed while it was played");
         return false;
     }
     return judge(static_cast<Life *>(lives), games);

@@ -60,9 +60,9 @@ void startTool(const char *name)
     setlinebuf(complaints);
 }
 
-void complain(const char *what, const char *fault)
+void complain(const char *about, const char *fault)
 {
-    fprintf(complaints, "%s: %s: %s\n", toolName, what, fault);
+    fprintf(complaints, "%s: %s: %s\n", toolName, about, fault);
 }
 
 // ---- images -------------------------------------------------------------------------------------

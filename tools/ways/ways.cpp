@@ -24,6 +24,8 @@
 #include <unistd.h>
 #include <vector>
 
+// Chance: the median of 16 games comes out about a fifth shorter or longer with other seeds, that of
+// 64 games about a tenth.
 constexpr int DEFAULT_GAMES = 16, MOST_GAMES = 1000, MOST_SEED = 1000000;
 constexpr uint32_t STEP = 33;       // milliseconds
 constexpr float LONGEST_LIFE = 180; // seconds after which a game is broken off
@@ -43,6 +45,8 @@ struct Life
 static uint8_t held[SDLK_LAST];
 static uint32_t ticks = 0;
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker gives these names.
+
 // The game's clock: every frame is a step of the same length, however long it takes.
 extern "C" uint32_t __wrap_SDL_GetTicks()
 {
@@ -53,6 +57,8 @@ extern "C" uint32_t __wrap_SDL_GetTicks()
 extern "C" void __wrap_SDL_GL_SwapBuffers()
 {
 }
+
+// NOLINTEND(bugprone-reserved-identifier)
 
 // ---- one game -----------------------------------------------------------------------------------
 

@@ -24,8 +24,8 @@
 #include <unistd.h>
 #include <vector>
 
-// Chance: the median of 16 games comes out about a fifth shorter or longer with other seeds, that of
-// 64 games about a tenth.
+// With other seeds the median of 16 games was up to a third longer or shorter: a life of care 47 s
+// with the first 16 seeds and 34 s with the next, on the same land.
 constexpr int DEFAULT_GAMES = 16, MOST_GAMES = 1000, MOST_SEED = 1000000;
 constexpr uint32_t STEP = 33;       // milliseconds
 constexpr float LONGEST_LIFE = 180; // seconds after which a game is broken off

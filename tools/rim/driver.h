@@ -1,4 +1,4 @@
-// driver.h - how a player would roll the cube to a place.
+// driver.h - which keys a player holds to roll the cube to a place.
 #pragma once
 
 #include "cube.h"

@@ -1,36 +1,46 @@
-// rim - tells whether the end of a land holds the cube and is no trap for it: rolls the cube over
-// the land in a folder, without drawing, 32 ways at several sizes and steps, two minutes each.
+// rim - tells whether the edge of a land keeps the cube in, and whether the cube gets stuck there:
+// rolls the cube over the land in a folder, without a display, in 32 directions or from 32 places,
+// at several sizes and step lengths, for two minutes each.
 //
 //     build/check/tools/rim/rim data
 //
-// The mass is that of the start: growth adds less than a thousandth.
+// The cube keeps its mass of the start: growing adds less than a thousandth to it.
 #include "cube.h"
 #include "driver.h"
+#include "folder.h"
 #include "main.h"
 #include "terrain.h"
 
 #include <SDL.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
-constexpr int WAYS = 32;              // directions from the middle, and places on the rim
+constexpr int WAYS = 32;              // directions from the middle, or places near the edge
 constexpr int STEPS[] = {10, 20, 33}; // milliseconds
 constexpr float SECONDS = 120;        // of each run
-constexpr float RIM = 70 * 25;        // units from the end of the land: what few live in
+constexpr float RIM = 70 * 25; // units from the edge; people turn back at 2000, so few live nearer
 
-// Of the runs, what a land may show that is good to play on.
+// The largest numbers of runs with which a land is still good to play on: 384 runs start in the
+// middle, 288 of them with cubes below the largest size, and 384 start near the edge.
 constexpr int MOST_LEAVE = 46, MOST_LEAVE_SMALL = 12, MOST_TRAPPED = 8;
 
+constexpr char MEND_SIDE[] = "Give the maps a side of a multiple of 25 and one more, such as 501, "
+                             "751 or 1001 pixels.";
+constexpr char MEND_CLIFF[] = "Put a cliff around the land that rises from 0 to 255 in one pixel, "
+                              "24 pixels from the edges, with at least 12 flat pixels before it.";
+constexpr char MEND_BRINK[] = "Straighten narrow bays and zigzags of the cliff, which are ramps, "
+                              "round its corners off, and raise its brink where it is low.";
+constexpr char MEND_TRAPS[] = "Take away what keeps the cube from coming back within 70 pixels of "
+                              "the edges: a second cliff, a pit or a ledge.";
+
 static uint8_t held[SDLK_LAST];
-static Terrain undented; // the land as it is at the start of each run
+static Terrain undented; // the land without the dents of earlier runs
 static Cube newCube;
 
-// Lays the cube on the ground.
+// Lays the cube on the ground of the land without dents.
 static void begin(float x, float z, float size, float heading)
 {
     for (int i = 0; i < ter.width; ++i)
@@ -54,13 +64,13 @@ static void step(int milliseconds)
     collideCubeTerrain();
 }
 
-static bool isWithin(float margin) // units from the end of the land
+static bool isWithin(float margin) // units inside the edges of the land
 {
     const float half = ter.worldWidth / 2 - margin;
     return mod(cb.position.x) < half && mod(cb.position.z) < half;
 }
 
-// 1 when the cube, rolled straight on from the middle, leaves the land.
+// 1 when a cube that is rolled straight on from the middle of the land leaves the land.
 static int leaves(int milliseconds, float size, int way)
 {
     begin(0, 0, size, way * 360.0f / WAYS);
@@ -71,7 +81,8 @@ static int leaves(int milliseconds, float size, int way)
     return !isWithin(0);
 }
 
-// 1 when the cube, rolled toward the middle from a place on the rim, does not come off it.
+// 1 when a cube that is rolled toward the middle from a place near the edge does not get away from
+// the edge.
 static int isTrapped(int milliseconds, float size, int way)
 {
     const Vector middle = vectorInit(0, 0, 0);
@@ -89,7 +100,8 @@ static int isTrapped(int milliseconds, float size, int way)
     return !isWithin(RIM);
 }
 
-// How many of the runs at one size fail; prints a row of them.
+// Prints a row with the number of runs at one size that fail at each step length. Returns their
+// sum.
 static int failures(const char *what, float size, int (*fails)(int, float, int))
 {
     int sum = 0;
@@ -107,46 +119,56 @@ static int failures(const char *what, float size, int (*fails)(int, float, int))
     return sum;
 }
 
-static bool holds(const char *what, int count, int most)
+// Samples beyond the last whole block of the land, which the game never draws.
+static int undrawnSamples()
 {
-    printf("%-36s%4d, at most %2d: %s\n", what, count, most, count <= most ? "good" : "BAD");
-    return count <= most;
+    return (ter.width - 1) % BLOCK_SIDE;
 }
 
 static bool judgeLand()
 {
     int small = 0, trapped = 0;
     for (float size : {60.0f, 100.0f, 175.0f})
-        small += failures("leave", size, leaves);
-    const int all = small + failures("leave", LARGEST_SIZE, leaves);
+        small += failures("leave the land", size, leaves);
+    const int all = small + failures("leave the land", LARGEST_SIZE, leaves);
     for (float size : {60.0f, 100.0f, 140.0f, 175.0f})
         trapped += failures("are trapped", size, isTrapped);
-    // Only whole blocks are drawn, up to the first sample of the one that holds the last sample.
-    bool good = holds("samples that are never drawn", (ter.width - 1) % BLOCK_SIDE, 0);
-    good &= holds("runs that leave, of small cubes", small, MOST_LEAVE_SMALL);
-    good &= holds("runs that leave", all, MOST_LEAVE);
-    good &= holds("runs that are trapped", trapped, MOST_TRAPPED);
+    bool good = isAtMost("samples that are never drawn", undrawnSamples(), 0, MEND_SIDE);
+    good &= isAtMost("runs of small cubes that leave", small, MOST_LEAVE_SMALL, MEND_CLIFF);
+    good &= isAtMost("runs that leave the land", all, MOST_LEAVE, MEND_BRINK);
+    good &= isAtMost("runs that are trapped", trapped, MOST_TRAPPED, MEND_TRAPS);
     return good;
 }
 
-// Null, or what is wrong with the folder.
-static const char *openLand(const char *folder)
+// Loads the land of the current folder. Null, or what is wrong with the land.
+static const char *loadLand()
 {
-    if (chdir(folder) != 0)
-        return strerror(errno);
     if (!initTerrain(&ter) || !initTerrain(&undented))
-        return "no land that the game accepts; started there, the game tells why";
+        return "there is not enough memory for this land";
     if (!(ter.worldWidth / 2 > RIM))
-        return "the land is all rim: it wants more than 140 samples a side";
+        return "all of this land lies near its edge; make its side at least 151 samples, better "
+               "351";
     initCube(&newCube);
     return nullptr;
 }
 
-static void closeLand()
+static void freeLand()
 {
     destroyCube(&newCube);
     deleteTerrain(&ter);
     deleteTerrain(&undented);
+}
+
+static bool judgeFolder(const char *folder)
+{
+    if (openFolder(folder) != 0)
+        return false;
+    const char *fault = loadLand();
+    if (fault)
+        complain(folder, fault);
+    const bool good = !fault && judgeLand();
+    freeLand();
+    return good;
 }
 
 int main(int argc, char **argv)
@@ -156,15 +178,7 @@ int main(int argc, char **argv)
         fputs("usage: rim FOLDER\n", stderr);
         return EXIT_FAILURE;
     }
-    const int complaints = dup(STDERR_FILENO);
-    if (!freopen("/dev/null", "w", stderr)) // the game reports there what it loads and frees
-        return EXIT_FAILURE;
+    startTool("rim");
     keys = held;
-    const char *fault = openLand(argv[1]);
-    if (fault)
-        dprintf(complaints, "rim: %s: %s\n", argv[1], fault);
-    const bool good = !fault && judgeLand();
-    closeLand();
-    close(complaints);
-    return good ? EXIT_SUCCESS : EXIT_FAILURE;
+    return judgeFolder(argv[1]) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

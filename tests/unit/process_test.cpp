@@ -385,9 +385,10 @@ TEST_F(Process, MapsAreRefusedUnlessTheyFitEachOther)
     {
         const std::string fault = row.fault ? std::string("   ...") + row.fault + "\n" : "";
         SCOPED_TRACE(fault + std::to_string(row.width));
-        const auto write = [](const char *name, int width, int height, int depth) {
-            writeImage(name, width, height, depth, depth > 8 ? 2 : 3,
-                       1L * width * height * (depth / 8));
+        const auto write = [](const char *name, int width, int height, int depth)
+        {
+            const int type = depth > 8 ? 2 : 3;
+            writeImage(name, width, height, depth, type, 1L * width * height * (depth / 8));
         };
         write("Map.tga", row.width, row.height, row.depth);
         write("MapTex.tga", row.colourWidth, row.colourHeight, row.colourDepth);

@@ -1,5 +1,7 @@
 #include "fixtures.h"
 
+#include <algorithm>
+
 TEST_F(World, LandIsBuiltFromItsImages)
 {
     constexpr int SIDE = 25; // the least

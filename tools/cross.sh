@@ -1,8 +1,8 @@
 #!/bin/bash
-# cross.sh [RELEASE] - builds the unit tests of the commit that is checked out for 64-bit ARM in a fresh
-# minimal Debian of this release (bookworm, trixie; by default the one that runs here), and runs them
-# and the replay there under qemu-user. Prints a row for the table in docs/robustness.md. Needs root,
-# 3 GB in the folder for temporary files and some 10 minutes, and fetches from the archives of Debian.
+# cross.sh [RELEASE] - builds the commit that is checked out for 64-bit ARM in a fresh minimal Debian of
+# this release (bookworm, trixie; by default the one that runs here), and runs the unit tests and the
+# replay there under qemu-user. Prints a row for the table in docs/robustness.md. Needs root, 3 GB in
+# the folder for temporary files and some 10 minutes, and fetches from the archives of Debian.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
@@ -30,7 +30,8 @@ start=$SECONDS
 develop ctest --preset cross
 tests=$(grep 'tests passed' "$scratch/log")
 echo "tested: $((SECONDS - start)) s, $tests"
-echo "The state of the replay hashes to $(cat "$root$PWD_IN_ROOT/build/cross/tests/unit/replay.hash")."
+hash=$(find "$root$PWD_IN_ROOT/build/cross" -name replay.hash -exec cat {} +)
+echo "The world at the end of the replay has the hash $hash."
 echo "| Debian $(cat "$root/etc/debian_version") ($release), arm64, cross-built, under qemu-user" \
     "$(versionOf qemu-user) |" \
     "g++ $(chroot "$root" aarch64-linux-gnu-g++ -dumpfullversion) |" \

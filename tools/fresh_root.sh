@@ -1,11 +1,11 @@
 #!/bin/bash
-# fresh_root.sh [RELEASE] - uses the commit that is checked out as a new user would, in a fresh minimal
-# Debian of this release (bookworm, trixie; by default the one that runs here). An ordinary user with
-# sudo runs ./play and ./check there and builds the package. A second fresh Debian, in which nothing
-# else is installed, gets the package with apt-get, plays the installed game with the SDL 1.2 of its
-# release and with the one that is built on SDL 2, and purges it. Prints a row for the table in
-# docs/robustness.md. Needs root, 4 GB in the folder for temporary files and some 10 minutes, and
-# fetches from the archives of Debian. It changes nothing in the checkout.
+# fresh_root.sh [RELEASE] - uses the commit that is checked out as a new user would, in a fresh
+# minimal Debian of this release (bookworm, trixie; by default the one that runs here). An ordinary
+# user with sudo runs ./play and ./check there and builds the package. In a second fresh Debian, which
+# has nothing else, the package is installed with apt-get, the installed game is played with the SDL
+# 1.2 of the release and with the one that is built on SDL 2, and the package is purged. Prints a row
+# for the table in docs/robustness.md. Needs root, 4 GB in the folder for temporary files and some 10
+# minutes, and fetches from the archives of Debian. It changes nothing in the checkout.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh

@@ -1,6 +1,7 @@
 #!/bin/bash
-# package.sh - builds the Debian package of the files in this checkout, committed or not, and prints its
-# path as the last line. A clean checkout of a commit gives the same file to the byte wherever it lies.
+# package.sh - builds the Debian package of the files in this checkout, committed or not, and prints
+# its path as the last line. Clean checkouts of a commit give the same package, byte by byte,
+# wherever they are.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
@@ -10,7 +11,7 @@ source tools/setup.sh
 timeOfSource()
 {
     if [[ -e .git ]]; then
-        git log -1 --format=%ct || fail "git cannot read the time of the commit; see its message above"
+        git log -1 --format=%ct || fail "git cannot read the time of the commit, as it says above"
     else
         dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp
     fi

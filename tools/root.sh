@@ -6,7 +6,7 @@ DEVELOPER=player # the ordinary user inside, who may use sudo without a password
 
 needRoot()
 {
-    ((EUID == 0)) || fail "making a Debian inside a folder needs the user root: sudo tools/$(basename "$0")"
+    ((EUID == 0)) || fail "only root can make a Debian in a folder: sudo tools/$(basename "$0")"
 }
 
 # Prints the release that this machine runs, such as bookworm.

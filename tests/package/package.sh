@@ -25,6 +25,15 @@ metadataHasNoFault()
     ! grep '^[EW]:' <<<"$told" | grep -v ' url-homepage-missing$' || fail "the metadata has faults"
 }
 
+# Later versions of lintian repeat the warnings of appstreamcli under a tag that Debian 12's does not
+# know and therefore refuses.
+packageHasNoFault()
+{
+    local tag=appstream-metadata-validation-failed
+    lintian-explain-tags "$tag" >/dev/null 2>&1 || tag=
+    lintian ${tag:+--suppress-tags "$tag"} --fail-on error,warning "$package"
+}
+
 describesItselfWithoutFault()
 {
     [[ $(newestVersions | uniq -c) =~ ^\ *4\ [0-9.]+$ ]] || fail "which version is it?"
@@ -33,7 +42,7 @@ describesItselfWithoutFault()
     [[ -z $(man --warnings -E UTF-8 -l packaging/tumbledown.6 2>&1 >/dev/null) ]] ||
         fail "man has warnings for the manual page"
     mandoc -T lint -W all packaging/tumbledown.6
-    lintian --fail-on error,warning "$package"
+    packageHasNoFault
 }
 
 holdsWhatItShould()

@@ -103,11 +103,11 @@ TgaImage *tgaLoad(const char *path)
     return image;
 }
 
-// One little-endian field of one or two bytes; 0 when the stream ends before it.
+// One little-endian field of one or two bytes; 0 when the stream ends or fails before that.
 static uint16_t readField(FILE *stream, size_t size)
 {
     uint8_t bytes[2] = {0, 0};
-    if (fread(bytes, 1, size, stream) != size)
+    if (feof(stream) || ferror(stream) || fread(bytes, 1, size, stream) != size)
         return 0;
     return static_cast<uint16_t>(bytes[0] | bytes[1] << 8);
 }

@@ -81,17 +81,19 @@ static Plane planeThrough(Direction point, Direction inward)
     return {normal, -dot(normal, point)};
 }
 
+static Plane sidePlane(double tangent, double sign, Direction across)
+{
+    return planeThrough(view.eye, sum(sum({0, 0, 0}, tangent, view.ahead), -sign, across));
+}
+
 static void setPlanes(double far)
 {
     const Direction back = sum({0, 0, 0}, -1, view.ahead);
-    const auto side = [](double tangent, double sign, Direction across) {
-        return planeThrough(view.eye, sum(sum({0, 0, 0}, tangent, view.ahead), -sign, across));
-    };
-    const Plane planes[] = {side(view.tanX, -1, view.right),
-                            side(view.tanX, 1, view.right),
+    const Plane planes[] = {sidePlane(view.tanX, -1, view.right),
+                            sidePlane(view.tanX, 1, view.right),
                             planeThrough(sum(view.eye, far, view.ahead), back),
-                            side(view.tanY, -1, view.up),
-                            side(view.tanY, 1, view.up),
+                            sidePlane(view.tanY, -1, view.up),
+                            sidePlane(view.tanY, 1, view.up),
                             planeThrough(sum(view.eye, view.near, view.ahead), view.ahead)};
     std::copy(std::begin(planes), std::end(planes), view.planes);
 }

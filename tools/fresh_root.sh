@@ -1,71 +1,96 @@
 #!/bin/bash
-# fresh_root.sh - installs the package with apt-get in a fresh minimal Debian, plays it there on
-# either SDL 1.2, purges it and looks for what is left. Needs root, 1 GB and some minutes, and fetches
-# from the archives of Debian that this machine's apt-get is set up for.
+# fresh_root.sh [RELEASE] - uses the commit that is checked out as a new user would, in a fresh
+# minimal Debian of this release (bookworm, trixie; by default the one that runs here). An ordinary
+# user with sudo runs ./play and ./check there and builds the package. In a second fresh Debian, which
+# has nothing else, the package is installed with apt-get, the installed game is played with the SDL
+# 1.2 of the release and with the one that is built on SDL 2, and the package is purged. Prints a row
+# for the table in docs/robustness.md. Needs root, 4 GB in the folder for temporary files and some 10
+# minutes, and fetches from the archives of Debian. It changes nothing in the checkout.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
+source tools/root.sh
 # shellcheck source=tests/game/judge.sh
 source tests/game/judge.sh
 
-archives()
+cleanUp()
 {
-    apt-get indextargets --format "deb \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
-        'Created-By: Packages' 'Origin: Debian'
+    closeDisplay
+    closeRoot
 }
 
-inRoot() # COMMAND...
+timed() # NAME COMMAND...: also keeps the seconds in took
 {
-    chroot "$root" env LC_ALL=C DEBIAN_FRONTEND=noninteractive "$@" </dev/null >>"$scratch/log" 2>&1 ||
-        { tail -n 20 "$scratch/log" >&2; fail "failed in the fresh root: $*"; }
+    local name=$1 start=$SECONDS
+    shift
+    "$@"
+    took[$name]=$((SECONDS - start))
+    printf '%-8s %4d s\n' "$name" "${took[$name]}"
 }
 
-everyFile() # but logs and caches
+everyFile() # of the root but logs and caches
 {
     find "$root" -xdev -path "$root/var/log" -prune -o -path "$root/var/cache" -prune -o \
         -printf '%P %M %u\n' | sort
 }
 
-playsAsNobody()
+buildPackage()
+{
+    develop tools/package.sh
+    package=$(echo "$root$PWD_IN_ROOT"/build/package/tumbledown_*.deb)
+    mv "$package" "$scratch/tumbledown.deb"
+}
+
+showVersions()
+{
+    compiler=$(chroot "$root" g++ -dumpfullversion)
+    sdl=$(versionOf libsdl1.2debian)
+    compat=$(versionOf libsdl1.2-compat)
+    mesa=$(versionOf libgl1-mesa-dri)
+}
+
+playInstalled()
 {
     playsInstalled /home/link chroot --userspec=nobody:nogroup "$root"
 }
 
-remove()
+installPlayAndPurge()
 {
-    closeDisplay
-    rm -rf --one-file-system "$scratch"
+    rm -rf --one-file-system "$root"
+    mv "$scratch/minimal" "$root"
+    cp "$scratch/tumbledown.deb" "$root/home"
+    ln -s ../usr/games/tumbledown "$root/home/link"
+    inRoot root apt-get update
+    inRoot root apt-get satisfy -y "$(dpkg-deb -f "$scratch/tumbledown.deb" Depends)"
+    everyFile >"$scratch/before"
+    inRoot root apt-get install -y /home/tumbledown.deb
+    playInstalled
+    inRoot root apt-get purge -y tumbledown
+    diff "$scratch/before" <(everyFile) || fail "the purged package has left or changed files"
+
+    inRoot root apt-get install -y /home/tumbledown.deb libsdl1.2-compat-shim
+    playInstalled
+    inRoot root apt-get purge -y tumbledown
+    [[ -z $(find "$root" -xdev -iname '*tumbledown*' ! -path "$root/home/*") ]] ||
+        fail "the purged package has left files"
 }
 
-((EUID == 0)) || fail "only root can make a root"
-installPackages "${BUILD_PACKAGES[@]}" "${DISPLAY_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}" \
-    "${ROOT_PACKAGES[@]}"
-scratch=$(mktemp -d)
-chmod 755 "$scratch"
-root=$scratch/root
+release=${1:-$(runningRelease)}
+needRoot
+installPackages "${DISPLAY_PACKAGES[@]}" "${ROOT_PACKAGES[@]}"
+declare -A took
+trap cleanUp EXIT
+trap 'exit 130' INT TERM
+openRoot "$release"
+cp -a "$root" "$scratch/minimal"
+addSource
+timed play develop ./play
+timed check develop ./check
+grep -E '^[a-z]+ +[0-9]+ s$|^Everything|tests passed|left out' "$scratch/log" || true
+buildPackage
+showVersions
 openDisplay "$scratch"
-trap remove EXIT
-package=$(tools/package.sh | tail -n 1)
-
-echo "Making a root"
-archives | mmdebstrap --quiet --variant=apt "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$root" -
-cp "$package" "$root/home/tumbledown.deb"
-ln -s ../usr/games/tumbledown "$root/home/link"
-inRoot apt-get update
-inRoot apt-get satisfy -y "$(dpkg-deb -f "$package" Depends)"
-everyFile >"$scratch/before"
-
-echo "Installing, playing and purging"
-inRoot apt-get install -y /home/tumbledown.deb
-playsAsNobody
-inRoot apt-get purge -y tumbledown
-diff "$scratch/before" <(everyFile) || fail "something is left"
-
-echo "The same on the SDL 1.2 that is built on SDL 2"
-inRoot apt-get install -y /home/tumbledown.deb libsdl1.2-compat-shim
-[[ ! -e $root/var/lib/dpkg/info/libsdl1.2debian:$(dpkg --print-architecture).list ]] ||
-    fail "both SDLs are there"
-playsAsNobody
-inRoot apt-get purge -y tumbledown
-[[ -z $(find "$root" -xdev -iname '*tumbledown*' ! -path "$root/home/*") ]] || fail "something is left"
-echo "All of it was installed, played and removed, after $SECONDS s."
+timed package installPlayAndPurge
+echo "| Debian $(cat "$root/etc/debian_version") ($release), $(dpkg --print-architecture) |" \
+    "g++ $compiler | $sdl; $compat | $mesa | plays, ${took[play]} s | passes, ${took[check]} s |" \
+    "installs, plays and purges, ${took[package]} s |"

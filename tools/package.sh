@@ -1,20 +1,40 @@
 #!/bin/bash
-# package.sh - builds the Debian package of this commit and says where it is. From one commit it is
-# the same file to the byte, wherever the checkout lies.
+# package.sh - builds the Debian package of the files in this checkout, committed or not, and prints
+# its path as the last line. Clean checkouts of a commit give the same package, byte by byte,
+# wherever they are.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
 
-# The commit's time; without a repository that of the newest entry in the package's list of changes.
+# Prints the time that the package is stamped with: that of the commit, or in a tree without a
+# repository that of the newest entry in packaging/debian/changelog.
 timeOfSource()
 {
-    git log -1 --format=%ct 2>/dev/null ||
+    if [[ -e .git ]]; then
+        git log -1 --format=%ct || fail "git cannot read the time of the commit, as it says above"
+    else
         dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp
+    fi
+}
+
+nameOfSource()
+{
+    local commit changes
+    if [[ ! -e .git ]]; then
+        echo "a tree without a repository"
+        return
+    fi
+    commit=$(git rev-parse --short HEAD)
+    changes=$(git status --porcelain)
+    echo "commit $commit${changes:+ with changes that are not committed}"
 }
 
 installPackages "${BUILD_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}"
-export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(timeOfSource)}
-# Debian's usual flags, without what would bring the name of this folder into the program.
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(timeOfSource)}
+export SOURCE_DATE_EPOCH
+name=$(nameOfSource)
+echo "Packaging $name"
+# Debian's usual flags, except those that write the path of this folder into the program.
 export DEB_BUILD_MAINT_OPTIONS="hardening=+all reproducible=-fixfilepath,-fixdebugpath"
 export DEB_CXXFLAGS_MAINT_STRIP=-g
 CXXFLAGS="$(dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)"

@@ -1,11 +1,12 @@
-# shellcheck shell=bash disable=SC2034 # what it defines is used by those that source it
-# setup.sh - what a machine needs before it can build, show or check the game. Sourced.
+# shellcheck shell=bash disable=SC2034 # the scripts that source this file use its variables
+# setup.sh - names the Debian packages that the game, its display and its checks need, and installs
+# those that are missing. Sourced.
 
-BUILD_PACKAGES=(g++ cmake ninja-build pkg-config libsdl1.2-dev libgl-dev libglu1-mesa-dev
+BUILD_PACKAGES=(g++ cmake ninja-build make pkg-config libsdl1.2-dev libgl-dev libglu1-mesa-dev
     freeglut3-dev libgl1-mesa-dri)
 DISPLAY_PACKAGES=(xvfb xauth xdotool imagemagick)
 PACKAGE_PACKAGES=(dpkg-dev file git)
-ROOT_PACKAGES=(mmdebstrap) # for the longer check of the package
+ROOT_PACKAGES=(mmdebstrap git) # for a fresh Debian in a folder
 CHECK_PACKAGES=(libgtest-dev libbenchmark-dev libnoise-dev libpng-dev libx11-dev netpbm clang
     clang-format clang-tidy libclang-rt-dev libsdl1.2-compat shellcheck
     lintian desktop-file-utils appstream man-db mandoc optipng)
@@ -23,19 +24,25 @@ isInstalled() # PACKAGE
 
 asRoot()
 {
+    local advice="as root, run: apt-get update && apt-get install ${missing[*]}"
     if ((EUID == 0)); then
         "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
+    elif ! command -v sudo >/dev/null; then
+        fail "only root can install packages; $advice"
+    elif ! sudo true </dev/null; then
+        fail "sudo refuses; $advice"
     else
-        fail "only root can install packages; as root, run: apt-get install ${missing[*]}"
+        sudo "$@"
     fi
 }
 
 installPackages() # PACKAGE...
 {
-    command -v dpkg-query apt-get >/dev/null || fail "this needs Debian's packages: $*"
-    local package
+    local package command
+    for command in dpkg-query apt-get; do
+        command -v "$command" >/dev/null ||
+            fail "$command was not found: this script needs Debian or one of its derivatives"
+    done
     missing=()
     for package; do
         isInstalled "$package" || missing+=("$package")
@@ -47,7 +54,7 @@ installPackages() # PACKAGE...
         -o Dpkg::Use-Pty=0 "${missing[@]}" </dev/null || fail "apt-get could not install ${missing[*]}"
 }
 
-build() # PRESET [OPTION...]: configures and builds it in build/PRESET
+build() # PRESET [OPTION...]: configures and builds the preset in build/PRESET
 {
     mkdir -p build
     cmake --preset "$@" >build/configure.log 2>&1 ||

@@ -6,6 +6,11 @@
 
 namespace
 {
+Rgb groundColour(int x, int z)
+{
+    return {uint8_t(60 + x % 90), uint8_t(120 + z % 80), uint8_t(x * 3 + z)};
+}
+
 // As many people and tanks as in the game, on hills that look different in every direction.
 struct WholeWorld : Scene
 {
@@ -14,11 +19,8 @@ struct WholeWorld : Scene
         Scene::SetUp();
         const auto level = [](int x, int z)
         { return int(110 + 70 * std::sin(x / 17.0) + 60 * std::cos(z / 29.0 + x / 90.0)); };
-        const auto colour = [](int x, int z) {
-            return Rgb{uint8_t(60 + x % 90), uint8_t(120 + z % 80), uint8_t(x * 3 + z)};
-        };
         srand(1);
-        build(500, level, colour, 20000, 1500);
+        build(500, level, groundColour, 20000, 1500);
         randomTankPlacement(tankLst, 500, 500, 25);
         for (TankNode *node = tankLst->head; node; node = node->next)
             node->tank.lastShotTime = 1e9f; // no tank fires: a shot that lands changes the land

@@ -14,15 +14,35 @@ newestVersions() # of the program, the package, the list of changes and the meta
     sed -n '/.*<release version="\([^"]*\)".*/ { s//\1/p; q }' packaging/tumbledown.metainfo.xml
 }
 
+# The project has no homepage. Only AppStream 1.0 warns of that, and earlier versions refuse to
+# override a warning that they do not know.
+metadataHasNoFault()
+{
+    local told
+    told=$(appstreamcli validate --no-net packaging/tumbledown.metainfo.xml || true)
+    echo "$told"
+    [[ $told == *Validation* ]] || fail "appstreamcli does not judge the metadata"
+    ! grep '^[EW]:' <<<"$told" | grep -v ' url-homepage-missing$' || fail "the metadata has faults"
+}
+
+# Later versions of lintian repeat the warnings of appstreamcli under a tag that Debian 12's does not
+# know and therefore refuses.
+packageHasNoFault()
+{
+    local tag=appstream-metadata-validation-failed
+    lintian-explain-tags "$tag" >/dev/null 2>&1 || tag=
+    lintian ${tag:+--suppress-tags "$tag"} --fail-on error,warning "$package"
+}
+
 describesItselfWithoutFault()
 {
     [[ $(newestVersions | uniq -c) =~ ^\ *4\ [0-9.]+$ ]] || fail "which version is it?"
     desktop-file-validate packaging/tumbledown.desktop
-    appstreamcli validate --no-net packaging/tumbledown.metainfo.xml
+    metadataHasNoFault
     [[ -z $(man --warnings -E UTF-8 -l packaging/tumbledown.6 2>&1 >/dev/null) ]] ||
         fail "man has warnings for the manual page"
     mandoc -T lint -W all packaging/tumbledown.6
-    lintian --fail-on error,warning "$package"
+    packageHasNoFault
 }
 
 holdsWhatItShould()

@@ -1,5 +1,7 @@
 #include "world.h"
 
+#include <algorithm>
+
 TEST_F(World, LandIsBuiltFromItsImages)
 {
     constexpr int SIDE = 25; // the smallest that is accepted

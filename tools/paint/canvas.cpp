@@ -134,10 +134,9 @@ static void fillShape(Canvas &canvas, Box box, float reach, Colour colour, float
 
 void fillBox(Canvas &canvas, Box box, Colour colour, float strength)
 {
-    fillShape(canvas, box, 0, colour, strength,
-              [=](float x, float y) {
-                  return std::max({box.x0 - x, x - box.x1, box.y0 - y, y - box.y1});
-              });
+    const auto distance = [=](float x, float y)
+    { return std::max(std::max(box.x0 - x, x - box.x1), std::max(box.y0 - y, y - box.y1)); };
+    fillShape(canvas, box, 0, colour, strength, distance);
 }
 
 void fillDisc(Canvas &canvas, float x, float y, float radius, Colour colour, float strength)
@@ -148,9 +147,9 @@ void fillDisc(Canvas &canvas, float x, float y, float radius, Colour colour, flo
 void fillRing(Canvas &canvas, float x, float y, float radius, float halfWidth, Colour colour,
               float strength)
 {
-    fillShape(canvas, {x, y, x, y}, radius + halfWidth, colour, strength,
-              [=](float px, float py)
-              { return std::fabs(length(px - x, py - y) - radius) - halfWidth; });
+    const auto distance = [=](float px, float py)
+    { return std::fabs(length(px - x, py - y) - radius) - halfWidth; };
+    fillShape(canvas, {x, y, x, y}, radius + halfWidth, colour, strength, distance);
 }
 
 void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float strength)

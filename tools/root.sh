@@ -1,0 +1,100 @@
+# shellcheck shell=bash disable=SC2034 # the scripts that source this file use its variables
+# root.sh - makes a fresh minimal Debian in a folder and runs commands there. Sourced after setup.sh.
+# A script that calls openRoot calls closeRoot when it ends, best in a trap for EXIT.
+
+DEVELOPER=player # the ordinary user inside, who may use sudo without a password
+
+needRoot()
+{
+    ((EUID == 0)) || fail "only root can make a Debian in a folder: sudo tools/$(basename "$0")"
+}
+
+# Prints the release that this machine runs, such as bookworm.
+runningRelease()
+{
+    (. /etc/os-release && echo "${VERSION_CODENAME-}")
+}
+
+# Prints the archives that apt-get is set up for here, for another release. Prints nothing on a
+# machine that is no Debian; mmdebstrap then uses deb.debian.org.
+archives() # RELEASE
+{
+    apt-get indextargets --format "deb \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
+        'Created-By: Packages' 'Origin: Debian' | sed "s/ $(runningRelease)\b/ $1/"
+}
+
+# Sets scratch, a new folder, and root, the folder of the Debian in it.
+openRoot() # RELEASE
+{
+    scratch=$(mktemp -d)
+    chmod 755 "$scratch"
+    root=$scratch/root
+    echo "Making a Debian $1 in $root"
+    archives "$1" >"$scratch/sources"
+    mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" \
+        "$([[ ! -s $scratch/sources ]] || echo "$scratch/sources")" >"$scratch/log" 2>&1 ||
+        showLogAndFail "mmdebstrap could not make a Debian $1"
+}
+
+# Ends what still runs in the root. Its mounts vanish with its last process.
+closeRoot()
+{
+    [[ -z ${inside-} ]] || kill -KILL "$inside" 2>/dev/null || true
+    [[ -z ${inside-} ]] || wait "$inside" 2>/dev/null || true
+    inside=''
+    [[ -z ${scratch-} ]] || rm -rf --one-file-system "$scratch"
+}
+
+showLogAndFail() # WORD...
+{
+    tail -n 60 "$scratch/log" >&2
+    fail "$@"
+}
+
+# Runs a command in the root with processes, mounts and shared memory of its own. The output goes to
+# $scratch/log, and its end is shown if the command fails.
+inRoot() # USER COMMAND...
+{
+    # shellcheck disable=SC2016 # the inner shell expands it
+    unshare --fork --pid --kill-child --mount sh -c '
+        root=$1 user=$2
+        shift 2
+        mount -t proc proc "$root/proc" && mount -t tmpfs -o mode=1777 shm "$root/dev/shm" || exit
+        exec chroot "$root" setpriv --reuid="$user" --regid="$user" --init-groups \
+            env -i -C "$(chroot "$root" sh -c "echo ~$user")" USER="$user" LC_ALL=C.UTF-8 \
+            HOME="$(chroot "$root" sh -c "echo ~$user")" DEBIAN_FRONTEND=noninteractive TERM=dumb \
+            PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin "$@"
+        ' - "$root" "$@" </dev/null >>"$scratch/log" 2>&1 &
+    inside=$!
+    wait "$inside" || showLogAndFail "failed in the fresh Debian: ${*:2}"
+    inside=''
+}
+
+# Makes the ordinary user, and gives them the files of the commit that is checked out here. Changes
+# that are not committed do not take part.
+addSource()
+{
+    inRoot root useradd -m -s /bin/bash "$DEVELOPER"
+    echo "$DEVELOPER ALL=(ALL) NOPASSWD: ALL" >"$root/etc/sudoers.d/$DEVELOPER"
+    mkdir "$root/home/$DEVELOPER/tumbledown"
+    # Git refuses to read a checkout of another user unless its folder is named as safe.
+    git -c safe.directory="$PWD" archive HEAD | tar -x -C "$root/home/$DEVELOPER/tumbledown" ||
+        fail "git could not read the commit that is checked out in $PWD"
+    inRoot root chown -R "$DEVELOPER:" "$PWD_IN_ROOT"
+}
+
+PWD_IN_ROOT=/home/$DEVELOPER/tumbledown
+
+# Runs a command of the project in its folder as the ordinary user.
+develop() # COMMAND...
+{
+    # shellcheck disable=SC2016 # the inner shell expands it
+    inRoot "$DEVELOPER" sh -c 'cd tumbledown && exec "$@"' - "$@"
+}
+
+# Prints the version of an installed package of the root, or a dash.
+versionOf() # PACKAGE
+{
+    # shellcheck disable=SC2016 # dpkg-query expands it
+    chroot "$root" dpkg-query -W -f '${Version}\n' "$1" 2>/dev/null || echo -
+}

@@ -154,7 +154,7 @@ track() # FILE, which is what the game printed
         /^[CF]/ { camera = /^Camera/ }' "$1"
 }
 
-# ---- keys and pictures ---------------------------------------------------------------------------
+# ---- keys, pictures and images ---------------------------------------------------------------------------
 
 hold() # KEY SECONDS
 {
@@ -183,6 +183,11 @@ grab() # FILE
 hasColoursOfAWorld() # FILE
 {
     (($(identify -format %k "$1") >= COLOURS_OF_A_WORLD)) || complain "$1 shows no world"
+}
+
+sideOf() # IMAGE: prints the width of this TGA file in pixels
+{
+    od -An -tu2 --endian=little -j12 -N2 "$1" | tr -d ' '
 }
 
 hasLanded()

@@ -40,7 +40,7 @@ openDisplay() # FOLDER
     waitFor 20 hasDisplay && [[ -s $scratch/display ]] ||
         complain "the virtual display does not start:" "$(tail -n 3 "$scratch/server")" || return
     DISPLAY=:$(cat "$scratch/display")
-    export DISPLAY
+    export DISPLAY SDL_VIDEODRIVER=x11 # SDL on SDL 2 may otherwise open a window on the desktop.
 }
 
 stop() # SIGNAL [PID]

@@ -34,8 +34,8 @@ openDisplay() # FOLDER
     # With -noreset the server goes on when its last client leaves: a server that starts over
     # sometimes refuses the next game. With -r a held key is pressed once, so that the game never
     # sees it released in between.
-    Xvfb -displayfd 3 -noreset -r -nolisten tcp -fbdir "$scratch" -screen 0 1024x768x24 \
-        3>"$scratch/display" >"$scratch/server" 2>&1 &
+    Xvfb -displayfd 3 -noreset -r -nocursor -nolisten tcp -fbdir "$scratch" \
+        -screen 0 1024x768x24 3>"$scratch/display" >"$scratch/server" 2>&1 &
     serverPid=$!
     waitFor 20 hasDisplay && [[ -s $scratch/display ]] ||
         complain "the virtual display does not start:" "$(tail -n 3 "$scratch/server")" || return
@@ -131,9 +131,9 @@ cubeVector() # NAME: prints x, y and z of this vector in the newest block
 }
 
 # Prints one line for each block: the last step in milliseconds, the position of the cube, the
-# position of the camera, 1 from the landing on, and 1 from the end of the game on. In a game that
-# is over, gravity and the speed of the step before are gone: the cube's momentum is the force of
-# the step before times the step. Three such steps in a row never happen in play.
+# position of the camera, 1 from the landing on, 1 from the end of the game on, and 1 when the cube
+# touches the ground. In a game that is over, gravity and the old momentum are gone: the momentum is
+# the force of the step before times the step. Three such steps in a row never happen in play.
 track() # FILE, which is what the game printed
 {
     awk -F '[(,)]' '
@@ -147,10 +147,11 @@ track() # FILE, which is what the game printed
             read(p)
             still = near(1) + near(2) + near(3) <= 0.001 * length2(p) + 12 ? still + 1 : 0
             over = over || still >= 3
-            landed = landed || length2(force) > 0
+            touches = length2(force) > 0
+            landed = landed || touches
             for (k in force) f[k] = force[k]
         }
-        /^\tPosition.*\)$/ && camera { print step, cube, $2, $3, $4, landed + 0, over + 0 }
+        /^\tPosition.*\)$/ && camera { print step, cube, $2, $3, $4, landed + 0, over + 0, touches }
         /^[CF]/ { camera = /^Camera/ }' "$1"
 }
 

@@ -209,38 +209,45 @@ findWater()
         NR % side == 0 { print row; row = "" }' >"$TAKEN/water"
 }
 
-# Prints x and z of the broad water that is nearest to the landing, at x = 0, z = 300.
-nearestWater()
+# Prints x and z of places in the middle of broad water.
+broadWater()
 {
     awk '
-        function distance(r, c) { return (r - NR0) ^ 2 + (c - NR0 - 12) ^ 2 }
         { row[NR - 1] = $0 }
         END {
-            NR0 = NR / 2
-            for (r = 8; r < NR - 8; ++r)
-                for (c = 8; c < NR - 8; ++c)
-                    if (substr(row[r], c + 1, 1) && (!nearest || distance(r, c) < nearest)) {
-                        water = 0
+            for (r = 8; r < NR - 8; r += 4)
+                for (c = 8; c < NR - 8; c += 4) {
+                    water = 0
+                    if (substr(row[r], c + 1, 1))
                         for (k = -8; k <= 8; k += 2)
                             for (l = -8; l <= 8; l += 2) water += substr(row[r + k], c + l + 1, 1)
-                        if (water >= 60) { nearest = distance(r, c); x = r; z = c }
-                    }
-            print int((x - NR0) * 25), int((z - NR0) * 25)
+                    if (water >= 60) print int((r - NR / 2) * 25), int((c - NR / 2) * 25)
+                }
         }' "$TAKEN/water"
 }
 
-# Presses the key that turns the velocity of the cube toward the place.
-steerTo() # X Z
+# Presses the keys that bring the cube to the water nearest to where it will be in a second: Left or
+# Right turns the cube toward the water, and Up is only held when the cube hardly needs to turn.
+steerToWater()
 {
-    local key
-    key=$(echo "$(cubeVector Position) $(cubeVector Velocity) $1 $2" | awk '{
-        turn = (atan2($8 - $3, $7 - $1) - atan2($6, $4)) * 57.3
-        turn -= turn > 180 ? 360 : turn < -180 ? -360 : 0
-        print turn > 12 ? "Right" : turn < -12 ? "Left" : "" }')
-    [[ $key == "$held" ]] && return
-    [[ -z $held ]] || xdotool keyup "$held"
-    [[ -z $key ]] || xdotool keydown "$key"
-    held=$key
+    local key wanted
+    wanted=$(awk -v cube="$(cubeVector Position) $(cubeVector Velocity)" '
+        BEGIN { split(cube, at, " "); x = at[1] + at[4]; z = at[3] + at[6] }
+        { distance = ($1 - x) ^ 2 + ($2 - z) ^ 2 }
+        NR == 1 || distance < nearest { nearest = distance; goalX = $1; goalZ = $2 }
+        END {
+            turn = (atan2(goalZ - at[3], goalX - at[1]) - atan2(at[6], at[4])) * 57.3
+            turn -= turn > 180 ? 360 : turn < -180 ? -360 : 0
+            if (turn ^ 2 < 45 ^ 2) print "Up"
+            if (turn ^ 2 > 12 ^ 2) print turn > 0 ? "Right" : "Left"
+        }' "$TAKEN/broad")
+    for key in Up Left Right; do
+        if [[ $wanted == *"$key"* ]]; then
+            xdotool keydown "$key"
+        else
+            xdotool keyup "$key"
+        fi
+    done
 }
 
 # The game is over, or a step that took too long has thrown the cube.
@@ -249,15 +256,15 @@ isLost()
     tail -c 4000 "$TAKEN/err" | track - | awk '{ lost = $9 || $3 > 1600 } END { exit !lost }'
 }
 
-rollToWater() # X Z
+rollToWater()
 {
-    local shot start held=
+    local shot start
     begin
     rm -rf "$TAKEN/frames" "$TAKEN/recorded"
     mkdir "$TAKEN/recorded"
     start=${EPOCHREALTIME/./}
     for ((shot = 0; shot < 120; ++shot)); do
-        steerTo "$1" "$2"
+        steerToWater
         ((shot % 2)) || copyFrame "$TAKEN/recorded/$((1000 + shot)).xwd" "$start"
         ! isLost || break
         sleep 0.2
@@ -265,8 +272,8 @@ rollToWater() # X Z
     finish
 }
 
-# Prints the good frame in whose view water and dry land share the nearer 1500 units most evenly; at
-# least a quarter of them must be water, and a quarter dry.
+# Prints the value and the file of the good frame in which water covers nearest to half of the view up to 1500 units. At least
+# 15 % must be water, and 15 % land.
 bestShore()
 {
     judgeFrames | awk '$4 { print $2, $1 }' >"$TAKEN/good"
@@ -288,25 +295,28 @@ bestShore()
                 }
             part = wet / seen
             value = part < 0.5 ? part : 1 - part
-            if (value > 0.25 && value > best) { best = value; file = $2 }
+            if (value > 0.15 && value > best) { best = value; file = $2 }
         }
-        END { print file }' "$TAKEN/good"
+        END { print best, file }' "$TAKEN/good"
+}
+
+keepShore()
+{
+    local value file
+    read -r value file < <(bestShore)
+    if isMore "${value:-0}" "${best[coast]-0}"; then
+        best[coast]=$value
+        cp "$file" "$TAKEN/coast.xwd"
+    fi
 }
 
 takeShore()
 {
-    local game place file
-    findWater
-    place=$(nearestWater)
+    local game
     for ((game = 1; game <= SHORE_GAMES && SECONDS < LAST_START; ++game)); do
-        # shellcheck disable=SC2086 # two words
-        rollToWater $place
-        file=$(bestShore)
-        if [[ -n $file ]]; then
-            mv "$file" "$TAKEN/coast.xwd"
-            best[coast]=1
-            return
-        fi
+        rollToWater
+        keepShore
+        [[ -z ${best[coast]-} ]] || break
     done
 }
 
@@ -356,9 +366,12 @@ lacking=()
 rm -rf "$TAKEN"
 mkdir -p "$TAKEN" "$KEPT"
 trap 'closeDisplay; rm -rf "$TAKEN"' EXIT
+findWater
+broadWater >"$TAKEN/broad"
 takeShore
 while ((SECONDS < LAST_START)); do
     record
+    keepShore
     judge
 done
 for name in landing crowd under-fire coast; do

@@ -125,25 +125,26 @@ searchFrames()
 }
 
 # Prints the value, the first and the last frame of the best seconds. In them the game is not over, the
-# cube is on the land, one step in twenty at most took longer than 50 ms, half of the searched frames
-# show people, and two show shots.
+# cube is on the land and rolls in half of the frames or more, one step in twenty at most took longer
+# than 50 ms, half of the searched frames show people, and two show shots.
 bestSeconds()
 {
     awk -v frames=$((RATE * FILM)) -v people="$PEOPLE" -v fire="$FIRE" '
-        { file[NR] = $1; block[NR] = $2; good[NR] = $4; slow[NR] = $5; sampled[NR] = NF > 6
+        { file[NR] = $1; block[NR] = $2; good[NR] = $4; slow[NR] = $5; rolls[NR] = $6; sampled[NR] = NF > 6
           crowd[NR] = $7; shots[NR] = $8 }
         END {
             for (first = 1; first + frames - 1 <= NR; ++first) {
                 last = first + frames - 1
-                alive = samples = seen = fired = value = 0
+                alive = rolled = samples = seen = fired = value = 0
                 for (k = first; k <= last; ++k) {
                     alive += good[k]
+                    rolled += rolls[k]
                     samples += sampled[k]
                     seen += crowd[k] >= people / 2
                     fired += shots[k] >= fire
                     value += crowd[k] / people + shots[k] / fire / 4
                 }
-                if (alive == frames && seen * 2 >= samples && fired >= 2 && value > best &&
+                if (alive == frames && rolled * 2 >= frames && seen * 2 >= samples && fired >= 2 && value > best &&
                     (slow[last] - slow[first]) * 20 <= block[last] - block[first]) {
                     best = value
                     found = value " " file[first] " " file[last]

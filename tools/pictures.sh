@@ -84,7 +84,8 @@ record()
 # ---- judging -------------------------------------------------------------------------------------
 
 # Adds to the line of each frame: 1 if the game is not over and the cube is on the land, else 0; the
-# number of steps before it that took longer than 50 ms; and 1 if the cube has just touched the ground.
+# number of steps before it that took longer than 50 ms; and 1 if the cube has just touched the
+# ground, else 0.
 judgeFrames()
 {
     awk -v half=$(($(sideOf "$LAND/Map.tga") * 25 / 2)) '
@@ -96,7 +97,8 @@ judgeFrames()
             inside[NR] = $2 ^ 2 < half ^ 2 && $4 ^ 2 < half ^ 2 && $3 > -100 && $3 < 1600
             next
         }
-        { print $0, alive[$2] && inside[$2] ? 1 : 0, slow[$2], rolls[$2] }' "$TAKEN/track" "$TAKEN/frames"
+        { print $0, alive[$2] && inside[$2] ? 1 : 0, slow[$2], rolls[$2] }' \
+        "$TAKEN/track" "$TAKEN/frames"
 }
 
 people() # PICTURE: people are the black in its lower part
@@ -124,14 +126,14 @@ searchFrames()
     done
 }
 
-# Prints the value, the first and the last frame of the best seconds. In them the game is not over, the
-# cube is on the land and rolls in half of the frames or more, one step in twenty at most took longer
-# than 50 ms, half of the searched frames show people, and two show shots.
+# Prints the value, the first and the last frame of the best seconds. In them the game is not over,
+# the cube is on the land and rolls in half of the frames or more, one step in twenty at most took
+# longer than 50 ms, half of the searched frames show people, and two show shots.
 bestSeconds()
 {
     awk -v frames=$((RATE * FILM)) -v people="$PEOPLE" -v fire="$FIRE" '
-        { file[NR] = $1; block[NR] = $2; good[NR] = $4; slow[NR] = $5; rolls[NR] = $6; sampled[NR] = NF > 6
-          crowd[NR] = $7; shots[NR] = $8 }
+        { file[NR] = $1; block[NR] = $2; good[NR] = $4; slow[NR] = $5; rolls[NR] = $6
+          sampled[NR] = NF > 6; crowd[NR] = $7; shots[NR] = $8 }
         END {
             for (first = 1; first + frames - 1 <= NR; ++first) {
                 last = first + frames - 1
@@ -144,7 +146,8 @@ bestSeconds()
                     fired += shots[k] >= fire
                     value += crowd[k] / people + shots[k] / fire / 4
                 }
-                if (alive == frames && rolled * 2 >= frames && seen * 2 >= samples && fired >= 2 && value > best &&
+                if (alive == frames && rolled * 2 >= frames && seen * 2 >= samples &&
+                    fired >= 2 && value > best &&
                     (slow[last] - slow[first]) * 20 <= block[last] - block[first]) {
                     best = value
                     found = value " " file[first] " " file[last]
@@ -273,8 +276,8 @@ rollToWater()
     finish
 }
 
-# Prints the value and the file of the good frame in which water covers nearest to half of the view up to 1500 units. At least
-# 15 % must be water, and 15 % land.
+# Prints the value and the file of the good frame in which the view, up to 1500 units away, comes
+# nearest to half water and half land. At least 15 % must be water, and 15 % land.
 bestShore()
 {
     judgeFrames | awk '$4 { print $2, $1 }' >"$TAKEN/good"
@@ -340,7 +343,8 @@ frameArguments()
         END {
             ms[NR + 1] = ms[NR] + 1000 / rate
             for (k = 1; k <= NR; ++k)
-                printf "-delay\n%d\n%s.ppm\n", int(ms[k + 1] / 10) - int(ms[k] / 10), folder file[k]
+                printf "-delay\n%d\n%s.ppm\n", int(ms[k + 1] / 10) - int(ms[k] / 10),
+                    folder file[k]
         }' "$TAKEN/film.frames"
 }
 

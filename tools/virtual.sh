@@ -87,7 +87,7 @@ waitForEnd() # SECONDS; sets gameStatus
     gamePid=''
 }
 
-# ---- diagnostic blocks: the game prints one in each frame while the I key is held ---------------
+# ---- diagnostic blocks, which the game prints in each frame while I is held ---------------------
 
 countBlocks()
 {
@@ -101,7 +101,8 @@ hasBlocks() # COUNT
 
 waitForBlocks() # COUNT: waits until the game has printed so many more
 {
-    waitFor 30 hasBlocks $(($(countBlocks) + $1)) || complain "the game prints nothing for the I key"
+    waitFor 30 hasBlocks $(($(countBlocks) + $1)) ||
+        complain "the game prints nothing while I is held" || return
     isRunning
 }
 
@@ -140,7 +141,10 @@ track() # FILE, which is what the game printed
         function near(k) { return (p[k] - f[k] * step / 1000) ^ 2 }
         function length2(v) { return v[1] ^ 2 + v[2] ^ 2 + v[3] ^ 2 }
         function read(v) { v[1] = $2; v[2] = $3; v[3] = $4 }
-        /^Frame Rate/ { split($0, rate, " "); step = rate[3] > 0 ? int(1000 / rate[3] + 0.5) : 0 }
+        /^Frame Rate/ {
+            split($0, rate, " ")
+            step = rate[3] > 0 ? int(1000 / rate[3] + 0.5) : 0
+        }
         /^\tPosition/ && !camera { cube = $2 " " $3 " " $4 }
         /^\tForce/ { read(force) }
         /^\tMomentum/ {
@@ -155,7 +159,7 @@ track() # FILE, which is what the game printed
         /^[CF]/ { camera = /^Camera/ }' "$1"
 }
 
-# ---- keys, pictures and images ---------------------------------------------------------------------------
+# ---- keys, pictures and images --------------------------------------------------------------------
 
 hold() # KEY SECONDS
 {

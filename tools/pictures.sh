@@ -22,7 +22,7 @@ PEOPLE=0.004        # the share of their pixels in a crowd; half as much in the 
 FIRE=0.0001         # the share of pixels of shots in a fight
 SHARE='%[fx:mean]'  # the share of white in a black and white picture
 
-# ---- playing -------------------------------------------------------------------------------------
+# ---- playing ------------------------------------------------------------------------------------
 
 begin()
 {
@@ -81,7 +81,7 @@ record()
     finish
 }
 
-# ---- judging -------------------------------------------------------------------------------------
+# ---- judging ------------------------------------------------------------------------------------
 
 # Adds to the line of each frame: 1 if the game is not over and the cube is on the land, else 0; the
 # number of steps before it that took longer than 50 ms; and 1 if the cube has just touched the
@@ -203,7 +203,7 @@ judge()
     keepBestSeconds
 }
 
-# ---- the shore -----------------------------------------------------------------------------------
+# ---- the shore ----------------------------------------------------------------------------------
 
 # A line for each sample row, with 1 where the land has the blue of water. Rows run along x.
 findWater()
@@ -324,7 +324,7 @@ takeShore()
     done
 }
 
-# ---- keeping -------------------------------------------------------------------------------------
+# ---- keeping ------------------------------------------------------------------------------------
 
 keep() # NAME
 {

@@ -159,7 +159,7 @@ track() # FILE, which is what the game printed
         /^[CF]/ { camera = /^Camera/ }' "$1"
 }
 
-# ---- keys, pictures and images --------------------------------------------------------------------
+# ---- keys, pictures and images ------------------------------------------------------------------
 
 hold() # KEY SECONDS
 {

@@ -243,7 +243,7 @@ steerToWater()
             turn = (atan2(goalZ - at[3], goalX - at[1]) - atan2(at[6], at[4])) * 57.3
             turn -= turn > 180 ? 360 : turn < -180 ? -360 : 0
             if (turn ^ 2 < 45 ^ 2) print "Up"
-            if (turn ^ 2 > 12 ^ 2) print turn > 0 ? "Right" : "Left"
+            if (turn ^ 2 > 12 ^ 2) print(turn > 0 ? "Right" : "Left")
         }' "$TAKEN/broad")
     for key in Up Left Right; do
         if [[ $wanted == *"$key"* ]]; then

@@ -197,12 +197,10 @@ sideOf() # IMAGE: prints the width of this TGA file in pixels
 
 hasLanded()
 {
-    local force
-    force=$(cubeVector Force)
-    hasEnded || [[ -n $force && $force != "0 0 0" ]]
+    hasEnded || awk '/^\tForce/ && !/\(0,0,0\)/ { landed = 1 } END { exit !landed }' "$scratch/err"
 }
 
-waitForLanding() # while I is held
+waitForLanding() # while I has been held since the start
 {
     waitFor 60 hasLanded || complain "the cube does not land" || return
     isRunning

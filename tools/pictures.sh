@@ -1,94 +1,386 @@
 #!/bin/bash
-# pictures.sh - takes the README's pictures from the real game: plays a few games on a virtual
-# display, takes many pictures and keeps the best landing, crowd, fight and coast in docs/pictures/.
+# pictures.sh - takes the pictures of the README from the real game: plays games on a virtual
+# display and keeps the best landing, crowd, fight, shore and moving picture in docs/pictures/.
+# The script needs an idle machine and up to six minutes.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
 source tools/virtual.sh
+export LC_ALL=C # for the decimal point
 
-GAMES=6
-SHOTS=20 # of each game at most
-TURN=4   # of them while it turns
+LAND=$PWD/data
 TAKEN=build/candidates
 KEPT=docs/pictures
-SHARE='%[fx:mean]' # of the pixels that a filter leaves white
+LAST_START=270      # seconds; no game is started after that
+SHORE_GAMES=4       # at most, in which the cube heads for water
+RECORDED=14         # seconds of each other game
+RATE=12             # frames per second of the moving picture
+FILM=7              # seconds of the moving picture
+LARGEST_FILM=3000000 # bytes
+SAMPLE=6            # One frame in so many is searched for people and shots.
+PEOPLE=0.004        # the share of their pixels in a crowd; half as much in the moving picture
+FIRE=0.0001         # the share of pixels of shots in a fight
+SHARE='%[fx:mean]'  # the share of white in a black and white picture
+
+# ---- playing ------------------------------------------------------------------------------------
 
 begin()
 {
-    openDisplay "$TAKEN"
-    startGame "$PWD/build/release/tumbledown" data
-    waitForPlay || fail "the game did not come to be played"
+    openDisplay "$TAKEN" || fail "there is no virtual display to play on"
+    startGame "$PWD/build/release/tumbledown" "$LAND"
+    waitForPlay || fail "the game does not play"
+    xdotool keydown i
+    waitForLanding || fail "the cube does not land"
+    xdotool keydown Up
 }
 
-takeLanding()
+finish()
 {
-    begin
-    waitForLanding || fail "the cube does not land"
-    grab "$TAKEN/landing.ppm"
+    waitForBlocks 4 || fail "the game stopped answering" # They may show that the game is over.
+    track "$TAKEN/err" >"$TAKEN/track"
     closeDisplay
 }
 
-# What is taken while the cube lives is noted with its height.
-takeGame() # NUMBER KEY, which is held at first, beside Up
+# Notes the number of the newest diagnostic block and the milliseconds since the start.
+copyFrame() # FILE START
 {
-    local shot file
+    copyScreen "$1" || fail "$1 could not be taken"
+    echo "$1 $(countBlocks) $(((${EPOCHREALTIME/./} - $2) / 1000))" >>"$TAKEN/frames"
+}
+
+sleepUntil() # MICROSECONDS
+{
+    local left=$(($1 - ${EPOCHREALTIME/./}))
+    ((left <= 0)) || sleep "$(printf '%d.%06d' $((left / 1000000)) $((left % 1000000)))"
+}
+
+weave() # FRAME: rolls to the left and to the right in turn
+{
+    case $(($1 % 40)) in
+        4) xdotool keydown Left ;;
+        14) xdotool keyup Left ;;
+        24) xdotool keydown Right ;;
+        34) xdotool keyup Right ;;
+    esac
+}
+
+record()
+{
+    local frame start
     begin
-    waitForLanding || fail "the cube does not land"
-    xdotool keydown Up keydown "$2"
-    for ((shot = 10; shot < 10 + SHOTS; ++shot)); do
-        ((shot != 10 + TURN)) || xdotool keyup "$2"
-        sleep 0.7
-        askForBlocks 1 || fail "the game stopped answering"
-        file=$TAKEN/game-$1-$shot.ppm
-        grab "$file"
-        [[ $(cubeVector Momentum) != "0 0 0" ]] || break # the game is over
-        echo "$(cubeVector Position | cut -d ' ' -f 2) $file" >>"$TAKEN/heights"
+    copyScreen "$TAKEN/touchdown.xwd"
+    rm -rf "$TAKEN/frames" "$TAKEN/recorded"
+    mkdir "$TAKEN/recorded"
+    start=${EPOCHREALTIME/./}
+    for ((frame = 0; frame < RATE * RECORDED; ++frame)); do
+        weave "$frame"
+        copyFrame "$TAKEN/recorded/$((1000 + frame)).xwd" "$start"
+        ((frame % RATE)) || ! isLost || break
+        sleepUntil $((start + (frame + 1) * 1000000 / RATE))
     done
-    closeDisplay
+    finish
 }
 
-people() # PICTURE: they are the black in its lower part
+# ---- judging ------------------------------------------------------------------------------------
+
+# Adds to the line of each frame: 1 if the game is not over and the cube is on the land, else 0; the
+# number of steps before it that took longer than 50 ms; and 1 if the cube has just touched the
+# ground, else 0.
+judgeFrames()
 {
-    convert "$1" -gravity south -crop 100x55%+0+0 -threshold 6% -negate -colorspace gray \
+    awk -v half=$(($(sideOf "$LAND/Map.tga") * 25 / 2)) '
+        FNR == NR {
+            slow[NR] = slow[NR - 1] + ($1 > 50)
+            alive[NR - 3] = $8 && !$9
+            if ($10) touched = NR
+            rolls[NR] = touched > NR - 8
+            inside[NR] = $2 ^ 2 < half ^ 2 && $4 ^ 2 < half ^ 2 && $3 > -100 && $3 < 1600
+            next
+        }
+        { print $0, alive[$2] && inside[$2] ? 1 : 0, slow[$2], rolls[$2] }' \
+        "$TAKEN/track" "$TAKEN/frames"
+}
+
+people() # PICTURE: people are the black in its lower part
+{
+    convert "xwd:$1" -gravity south -crop 100x55%+0+0 -threshold 6% -negate -colorspace gray \
         -format "$SHARE" info:
 }
 
-fire() # PICTURE: shots glow in this colour at their tips
+fire() # PICTURE: only the tips of shots glow in this colour
 {
-    convert "$1" -fuzz 9% -fill black +opaque '#ffcc66' -fill white -opaque '#ffcc66' \
+    convert "xwd:$1" -fuzz 9% -fill black +opaque '#ffcc66' -fill white -opaque '#ffcc66' \
         -colorspace gray -format "$SHARE" info:
 }
 
-# The picture in which it leaves most, of those in which the cube has come to roll.
-best() # FILTER
+# Adds the shares of people and of fire to the lines of the good frames that are searched.
+searchFrames()
 {
-    local picture
-    grep -v -- '-1[01].ppm' "$TAKEN/heights" | cut -d ' ' -f 2 | while read -r picture; do
-        echo "$("$1" "$picture") $picture"
-    done | sort -g | tail -n 1 | cut -d ' ' -f 2
+    local file block ms good slow rolls
+    while read -r file block ms good slow rolls; do
+        if ((good && (10#${file//[!0-9]/} - 1000) % SAMPLE == 0)); then
+            echo "$file $block $ms $good $slow $rolls $(people "$file") $(fire "$file")"
+        else
+            echo "$file $block $ms $good $slow $rolls"
+        fi
+    done
 }
 
-# Taken at the water, which is the lowest that the land has.
-lowest()
+# Prints the value, the first and the last frame of the best seconds. In them the game is not over,
+# the cube is on the land and rolls in half of the frames or more, one step in twenty at most took
+# longer than 50 ms, half of the searched frames show people, and two show shots.
+bestSeconds()
 {
-    sort -g "$TAKEN/heights" | head -n 1 | cut -d ' ' -f 2
+    awk -v frames=$((RATE * FILM)) -v people="$PEOPLE" -v fire="$FIRE" '
+        { file[NR] = $1; block[NR] = $2; good[NR] = $4; slow[NR] = $5; rolls[NR] = $6
+          sampled[NR] = NF > 6; crowd[NR] = $7; shots[NR] = $8 }
+        END {
+            for (first = 1; first + frames - 1 <= NR; ++first) {
+                last = first + frames - 1
+                alive = rolled = samples = seen = fired = value = 0
+                for (k = first; k <= last; ++k) {
+                    alive += good[k]
+                    rolled += rolls[k]
+                    samples += sampled[k]
+                    seen += crowd[k] >= people / 2
+                    fired += shots[k] >= fire
+                    value += crowd[k] / people + shots[k] / fire / 4
+                }
+                if (alive == frames && rolled * 2 >= frames && seen * 2 >= samples &&
+                    fired >= 2 && value > best &&
+                    (slow[last] - slow[first]) * 20 <= block[last] - block[first]) {
+                    best = value
+                    found = value " " file[first] " " file[last]
+                }
+            }
+            print found
+        }' "$TAKEN/judged"
 }
 
-keep() # PICTURE NAME
+isMore() # NUMBER NUMBER
 {
-    convert "$1" -quality 90 -define jpeg:extent=390KB "$KEPT/$2.jpg"
-    echo "$KEPT/$2.jpg"
+    awk -v a="$1" -v b="$2" 'BEGIN { exit !(a + 0 > b + 0) }'
+}
+
+# Keeps the frame with the largest value of all games, if the value is above the limit. In the first
+# second of a game the cube has hardly begun to roll.
+keepBest() # NAME COLUMN LIMIT
+{
+    local value file
+    read -r value file < <(awk -v column="$2" '$3 > 1000 && $6 && NF > 6 { print $column, $1 }' \
+        "$TAKEN/judged" | sort -g | tail -n 1) || return 0
+    if isMore "$value" "$3" && isMore "$value" "${best[$1]-0}"; then
+        best[$1]=$value
+        cp "$file" "$TAKEN/$1.xwd"
+    fi
+}
+
+keepBestSeconds()
+{
+    local value first last file
+    read -r value first last < <(bestSeconds)
+    if isMore "${value:-0}" "${best[film]-0}"; then
+        best[film]=$value
+        rm -rf "$TAKEN/film"
+        mkdir "$TAKEN/film"
+        awk -v first="$first" -v last="$last" '$1 == first, $1 == last { print $1, $3 }' \
+            "$TAKEN/judged" >"$TAKEN/film.frames"
+        while read -r file _; do
+            mv "$file" "$TAKEN/film/"
+        done <"$TAKEN/film.frames"
+    fi
+}
+
+judge()
+{
+    judgeFrames | searchFrames >"$TAKEN/judged"
+    if [[ -z ${best[landing]-} ]] && awk 'NR == 1 { exit !$4 }' "$TAKEN/judged"; then
+        best[landing]=1
+        mv "$TAKEN/touchdown.xwd" "$TAKEN/landing.xwd"
+    fi
+    keepBest crowd 7 "$PEOPLE"
+    keepBest under-fire 8 "$FIRE"
+    keepBestSeconds
+}
+
+# ---- the shore ----------------------------------------------------------------------------------
+
+# A line for each sample row, with 1 where the land has the blue of water. Rows run along x.
+findWater()
+{
+    od -An -v -tu1 -w4 -j18 "$LAND/MapTex.tga" | awk -v side="$(sideOf "$LAND/Map.tga")" '
+        { row = row ($1 > $3 + 50 && $1 > $2 - 15 ? 1 : 0) }
+        NR % side == 0 { print row; row = "" }' >"$TAKEN/water"
+}
+
+# Prints x and z of places in the middle of broad water.
+broadWater()
+{
+    awk '
+        { row[NR - 1] = $0 }
+        END {
+            for (r = 8; r < NR - 8; r += 4)
+                for (c = 8; c < NR - 8; c += 4) {
+                    water = 0
+                    if (substr(row[r], c + 1, 1))
+                        for (k = -8; k <= 8; k += 2)
+                            for (l = -8; l <= 8; l += 2) water += substr(row[r + k], c + l + 1, 1)
+                    if (water >= 60) print int((r - NR / 2) * 25), int((c - NR / 2) * 25)
+                }
+        }' "$TAKEN/water"
+}
+
+# Presses the keys that bring the cube to the water nearest to where it will be in a second: Left or
+# Right turns the cube toward the water, and Up is only held when the cube hardly needs to turn.
+steerToWater()
+{
+    local key wanted
+    wanted=$(awk -v cube="$(cubeVector Position) $(cubeVector Velocity)" '
+        BEGIN { split(cube, at, " "); x = at[1] + at[4]; z = at[3] + at[6] }
+        { distance = ($1 - x) ^ 2 + ($2 - z) ^ 2 }
+        NR == 1 || distance < nearest { nearest = distance; goalX = $1; goalZ = $2 }
+        END {
+            turn = (atan2(goalZ - at[3], goalX - at[1]) - atan2(at[6], at[4])) * 57.3
+            turn -= turn > 180 ? 360 : turn < -180 ? -360 : 0
+            if (turn ^ 2 < 45 ^ 2) print "Up"
+            if (turn ^ 2 > 12 ^ 2) print(turn > 0 ? "Right" : "Left")
+        }' "$TAKEN/broad")
+    for key in Up Left Right; do
+        if [[ $wanted == *"$key"* ]]; then
+            xdotool keydown "$key"
+        else
+            xdotool keyup "$key"
+        fi
+    done
+}
+
+# The game is over, or a step that took too long has thrown the cube.
+isLost()
+{
+    tail -c 4000 "$TAKEN/err" | track - | awk '{ lost = $9 || $3 > 1600 } END { exit !lost }'
+}
+
+rollToWater()
+{
+    local shot start
+    begin
+    rm -rf "$TAKEN/frames" "$TAKEN/recorded"
+    mkdir "$TAKEN/recorded"
+    start=${EPOCHREALTIME/./}
+    for ((shot = 0; shot < 120; ++shot)); do
+        steerToWater
+        ((shot % 2)) || copyFrame "$TAKEN/recorded/$((1000 + shot)).xwd" "$start"
+        ! isLost || break
+        sleep 0.2
+    done
+    finish
+}
+
+# Prints the value and the file of the good frame in which the view, up to 1500 units away, comes
+# nearest to half water and half land. At least 15 % must be water, and 15 % land.
+bestShore()
+{
+    judgeFrames | awk '$4 { print $2, $1 }' >"$TAKEN/good"
+    awk -v water="$TAKEN/water" -v track="$TAKEN/track" '
+        BEGIN {
+            while ((getline line < water) > 0) row[side++] = line
+            while ((getline line < track) > 0) block[++blocks] = line
+        }
+        {
+            split(block[$1], at)
+            ahead = atan2(at[4] - at[7], at[2] - at[6])
+            wet = seen = 0
+            for (turn = -0.5; turn <= 0.5; turn += 0.1)
+                for (range = 200; range <= 1500; range += 50) {
+                    r = int((at[6] + cos(ahead + turn) * range) / 25 + side / 2)
+                    c = int((at[7] + sin(ahead + turn) * range) / 25 + side / 2)
+                    wet += substr(row[r], c + 1, 1)
+                    ++seen
+                }
+            part = wet / seen
+            value = part < 0.5 ? part : 1 - part
+            if (value > 0.15 && value > best) { best = value; file = $2 }
+        }
+        END { print best, file }' "$TAKEN/good"
+}
+
+keepShore()
+{
+    local value file
+    read -r value file < <(bestShore)
+    if isMore "${value:-0}" "${best[coast]-0}"; then
+        best[coast]=$value
+        cp "$file" "$TAKEN/coast.xwd"
+    fi
+}
+
+takeShore()
+{
+    local game
+    for ((game = 1; game <= SHORE_GAMES && SECONDS < LAST_START; ++game)); do
+        rollToWater
+        keepShore
+        [[ -z ${best[coast]-} ]] || break
+    done
+}
+
+# ---- keeping ------------------------------------------------------------------------------------
+
+keep() # NAME
+{
+    [[ -n ${best[$1]-} ]] || { lacking+=("$1"); return; }
+    convert "xwd:$TAKEN/$1.xwd" -quality 90 -define jpeg:extent=390KB "$TAKEN/$1.jpg"
+    hasColoursOfAWorld "$TAKEN/$1.jpg"
+    mv "$TAKEN/$1.jpg" "$KEPT/"
+    echo "$KEPT/$1.jpg"
+}
+
+# Prints the arguments that show each frame as long as the game did, one to a line.
+frameArguments()
+{
+    awk -v rate="$RATE" -v folder="$TAKEN/film/" '
+        { file[NR] = $1; sub(/.*\//, "", file[NR]); ms[NR] = $2 }
+        END {
+            ms[NR + 1] = ms[NR] + 1000 / rate
+            for (k = 1; k <= NR; ++k)
+                printf "-delay\n%d\n%s.ppm\n", int(ms[k + 1] / 10) - int(ms[k] / 10),
+                    folder file[k]
+        }' "$TAKEN/film.frames"
+}
+
+keepFilm()
+{
+    local quality arguments
+    [[ -n ${best[film]-} ]] || { lacking+=("play"); return; }
+    find "$TAKEN/film" -name '*.xwd' -print0 |
+        xargs -0 -P "$(nproc)" -I{} convert 'xwd:{}' -resize 640x480 '{}.ppm'
+    mapfile -t arguments < <(frameArguments)
+    for quality in 85 75 65 50 35 20; do
+        convert -loop 0 "${arguments[@]}" -quality "$quality" "$TAKEN/play.webp"
+        (($(stat -c %s "$TAKEN/play.webp") > LARGEST_FILM)) || break
+    done
+    mv "$TAKEN/play.webp" "$KEPT/"
+    echo "$KEPT/play.webp"
 }
 
 installPackages "${BUILD_PACKAGES[@]}" "${DISPLAY_PACKAGES[@]}"
 build release
+SECONDS=0
+declare -A best=()
+lacking=()
 rm -rf "$TAKEN"
 mkdir -p "$TAKEN" "$KEPT"
-takeLanding
-for ((game = 1; game <= GAMES; ++game)); do
-    takeGame "$game" "$( ((game % 2)) && echo Left || echo Right)"
+trap 'closeDisplay; rm -rf "$TAKEN"' EXIT
+findWater
+broadWater >"$TAKEN/broad"
+takeShore
+while ((SECONDS < LAST_START)); do
+    record
+    keepShore
+    judge
 done
-keep "$TAKEN/landing.ppm" landing
-keep "$(best people)" crowd
-keep "$(best fire)" under-fire
-keep "$(lowest)" coast
+for name in landing crowd under-fire coast; do
+    keep "$name"
+done
+keepFilm
+((!${#lacking[@]})) || fail "no game gave a good picture for: ${lacking[*]}. Is the machine idle?"

@@ -1,6 +1,9 @@
-# shellcheck shell=bash disable=SC2034 # what it defines is used by those that source it
-# virtual.sh - the real game on a virtual display, driven by real keys. Sourced.
-# One game to a display: a second one would wait for ever for the grab of the keyboard.
+# shellcheck shell=bash disable=SC2034 # the scripts that source this file use its variables
+# virtual.sh - runs the real game on a virtual display, presses keys and reads what the game prints.
+# Sourced. A script that calls openDisplay calls closeDisplay when it ends, best in a trap for EXIT.
+# Each game needs a display of its own: two games on one display wait for each other's keyboard.
+
+COLOURS_OF_A_WORLD=50 # A picture with fewer colours shows no land and no sky.
 
 complain()
 {
@@ -8,7 +11,7 @@ complain()
     return 1
 }
 
-waitFor() # SECONDS COMMAND...: until the command succeeds
+waitFor() # SECONDS COMMAND...: waits until the command succeeds
 {
     local end=$((SECONDS + $1))
     shift
@@ -18,20 +21,26 @@ waitFor() # SECONDS COMMAND...: until the command succeeds
     done
 }
 
-openDisplay() # FOLDER, for what the server and the game write
+hasDisplay()
+{
+    [[ -s $scratch/display ]] || ! kill -0 "$serverPid"
+}
+
+# The server writes its screen and its messages into the folder, and so does the game.
+openDisplay() # FOLDER
 {
     scratch=$1
     rm -f "$scratch/display"
-    # Without -noreset the server starts over when its last client leaves, and now and then the
-    # game comes just then.
-    Xvfb -displayfd 3 -noreset -nolisten tcp -screen 0 1024x768x24 \
-        3>"$scratch/display" >"$scratch/server" 2>&1 &
+    # With -noreset the server goes on when its last client leaves: a server that starts over
+    # sometimes refuses the next game. With -r a held key is pressed once, so that the game never
+    # sees it released in between.
+    Xvfb -displayfd 3 -noreset -r -nocursor -nolisten tcp -fbdir "$scratch" \
+        -screen 0 1024x768x24 3>"$scratch/display" >"$scratch/server" 2>&1 &
     serverPid=$!
-    trap closeDisplay EXIT
-    trap 'exit 130' INT TERM
-    waitFor 20 test -s "$scratch/display" || complain "the virtual display does not start" || return
+    waitFor 20 hasDisplay && [[ -s $scratch/display ]] ||
+        complain "the virtual display does not start:" "$(tail -n 3 "$scratch/server")" || return
     DISPLAY=:$(cat "$scratch/display")
-    export DISPLAY
+    export DISPLAY SDL_VIDEODRIVER=x11 # SDL on SDL 2 may otherwise open a window on the desktop.
 }
 
 stop() # SIGNAL [PID]
@@ -44,7 +53,7 @@ stop() # SIGNAL [PID]
 closeDisplay()
 {
     stop KILL "${gamePid-}"
-    stop TERM "${serverPid-}" # and it takes its lock file along
+    stop TERM "${serverPid-}" # The server then removes its lock file.
     gamePid='' serverPid=''
 }
 
@@ -53,7 +62,7 @@ startGame() # PROGRAM FOLDER [VARIABLE=VALUE...]
     local program=$1 folder=$2
     shift 2
     rm -f "$scratch/out" "$scratch/err"
-    touch "$scratch/err"
+    touch "$scratch/out" "$scratch/err"
     # A background job of a shell ignores SIGINT unless told otherwise.
     (cd "$folder" && exec env --default-signal=INT "$@" "$program") \
         >"$scratch/out" 2>"$scratch/err" </dev/null &
@@ -62,7 +71,12 @@ startGame() # PROGRAM FOLDER [VARIABLE=VALUE...]
 
 hasEnded()
 {
-    ! kill -0 "$gamePid"
+    ! kill -0 "$gamePid" 2>/dev/null
+}
+
+isRunning()
+{
+    ! hasEnded || complain "the game has ended:" "$(tail -q -n 3 "$scratch/out" "$scratch/err")"
 }
 
 waitForEnd() # SECONDS; sets gameStatus
@@ -72,6 +86,8 @@ waitForEnd() # SECONDS; sets gameStatus
     wait "$gamePid" || gameStatus=$?
     gamePid=''
 }
+
+# ---- diagnostic blocks, which the game prints in each frame while I is held ---------------------
 
 countBlocks()
 {
@@ -83,28 +99,67 @@ hasBlocks() # COUNT
     hasEnded || (($(countBlocks) >= $1))
 }
 
-# Holds I until some blocks more stand there: the keys reach the game and its frames go on.
-askForBlocks() # COUNT
+waitForBlocks() # COUNT: waits until the game has printed so many more
 {
-    local wanted=$(($(countBlocks) + $1))
+    waitFor 30 hasBlocks $(($(countBlocks) + $1)) ||
+        complain "the game prints nothing while I is held" || return
+    isRunning
+}
+
+askForBlocks() # COUNT: holds I until the game has printed so many more
+{
     xdotool keydown i
-    waitFor 30 hasBlocks "$wanted" || complain "the game does not answer to the I key" || return
+    waitForBlocks "$1" || return
     xdotool keyup i
-    ! hasEnded 2>/dev/null || complain "the game has ended" || return
 }
 
-waitForPlay() # until the game has drawn its first frames
+hasStarted()
 {
-    waitFor 60 grep -q 'Loading Tank texture' "$scratch/err" ||
-        complain "the game does not start:" "$(tail -n 3 "$scratch/err")" || return
-    askForBlocks 1
+    hasEnded || grep -q 'Loading Tank texture' "$scratch/err"
 }
 
-cubeVector() # NAME: x y z of the newest block
+waitForPlay() # waits until the game draws frames
 {
-    awk -F '[(,)]' -v name="	$1:" 'index($1, name) == 1 { vector = $2 " " $3 " " $4 }
-        /^Camera/ { newest = vector } END { print newest }' "$scratch/err"
+    waitFor 60 hasStarted || complain "the game does not start" || return
+    isRunning && askForBlocks 1
 }
+
+cubeVector() # NAME: prints x, y and z of this vector in the newest block
+{
+    tail -c 2000 "$scratch/err" | awk -F '[(,)]' -v name="	$1:" '
+        index($1, name) == 1 { vector = $2 " " $3 " " $4 }
+        /^Camera/ { newest = vector } END { print newest }'
+}
+
+# Prints one line for each block: the last step in milliseconds, the position of the cube, the
+# position of the camera, 1 from the landing on, 1 from the end of the game on, and 1 when the cube
+# touches the ground. In a game that is over, gravity and the old momentum are gone: the momentum is
+# the force of the step before times the step. Three such steps in a row never happen in play.
+track() # FILE, which is what the game printed
+{
+    awk -F '[(,)]' '
+        function near(k) { return (p[k] - f[k] * step / 1000) ^ 2 }
+        function length2(v) { return v[1] ^ 2 + v[2] ^ 2 + v[3] ^ 2 }
+        function read(v) { v[1] = $2; v[2] = $3; v[3] = $4 }
+        /^Frame Rate/ {
+            split($0, rate, " ")
+            step = rate[3] > 0 ? int(1000 / rate[3] + 0.5) : 0
+        }
+        /^\tPosition/ && !camera { cube = $2 " " $3 " " $4 }
+        /^\tForce/ { read(force) }
+        /^\tMomentum/ {
+            read(p)
+            still = near(1) + near(2) + near(3) <= 0.001 * length2(p) + 12 ? still + 1 : 0
+            over = over || still >= 3
+            touches = length2(force) > 0
+            landed = landed || touches
+            for (k in force) f[k] = force[k]
+        }
+        /^\tPosition.*\)$/ && camera { print step, cube, $2, $3, $4, landed + 0, over + 0, touches }
+        /^[CF]/ { camera = /^Camera/ }' "$1"
+}
+
+# ---- keys, pictures and images ------------------------------------------------------------------
 
 hold() # KEY SECONDS
 {
@@ -113,21 +168,40 @@ hold() # KEY SECONDS
     xdotool keyup "$1"
 }
 
+# Copies the file in which the server keeps the screen, which costs the game next to nothing. A copy
+# that equals the screen afterwards holds no half of another frame.
+copyScreen() # FILE
+{
+    local attempt
+    for attempt in {1..30}; do
+        cp "$scratch/Xvfb_screen0" "$1"
+        ! cmp -s "$scratch/Xvfb_screen0" "$1" || return 0
+    done
+    complain "no picture could be taken: the screen changes all the time"
+}
+
 grab() # FILE
 {
-    import -window root "$1" || complain "no picture could be taken"
+    copyScreen "$scratch/screen.xwd" && convert "xwd:$scratch/screen.xwd" "$1"
+}
+
+hasColoursOfAWorld() # FILE
+{
+    (($(identify -format %k "$1") >= COLOURS_OF_A_WORLD)) || complain "$1 shows no world"
+}
+
+sideOf() # IMAGE: prints the width of this TGA file in pixels
+{
+    od -An -tu2 --endian=little -j12 -N2 "$1" | tr -d ' '
 }
 
 hasLanded()
 {
-    local force
-    force=$(cubeVector Force)
-    [[ -n $force && $force != "0 0 0" ]]
+    hasEnded || awk '/^\tForce/ && !/\(0,0,0\)/ { landed = 1 } END { exit !landed }' "$scratch/err"
 }
 
-waitForLanding()
+waitForLanding() # while I has been held since the start
 {
-    xdotool keydown i
-    waitFor 120 hasLanded || complain "the cube does not land" || return
-    xdotool keyup i
+    waitFor 60 hasLanded || complain "the cube does not land" || return
+    isRunning
 }

@@ -1,6 +1,7 @@
 #!/bin/bash
 # game.sh CASE GAME CLOSER [PRELOAD] - plays the real game on a display of its own and judges what
-# it prints. If LIBRARY names a folder, the SDL there takes the place of the one the game links.
+# the game prints. If LIBRARY names a folder, the game runs with the SDL library in that folder
+# instead of the one that it is linked with.
 set -euo pipefail
 # shellcheck source=tests/game/judge.sh
 source "$(dirname "$0")/judge.sh"
@@ -21,7 +22,7 @@ play()
     waitForPlay
 }
 
-# In the air, where no force is, nothing but the key turns the cube.
+# In the air no force acts on the cube, and a torque can only come from the key.
 upTurnsTheCube()
 {
     play
@@ -29,7 +30,7 @@ upTurnsTheCube()
     askForBlocks 5
     xdotool keyup Up
     awk '/^\tForce: \(0,0,0\)/ { getline; turns += /[1-9]/ } END { exit !turns }' "$scratch/err" ||
-        complain "it has no torque in the air"
+        complain "Up gives the cube no torque in the air"
 }
 
 showsAWorld()
@@ -38,17 +39,17 @@ showsAWorld()
     showsAWorldAndEnds
 }
 
-holds() # PART EXPRESSION: of the picture, by the means of its colours
+isTrueOf() # PART EXPRESSION, which computes with the average colours of this part of the picture
 {
     (($(convert "$scratch/picture.png" -crop "$1" -format "%[fx:$2]" info:)))
 }
 
-# Blue above; below something else, neither dark, bright nor flat.
+# The upper edge is blue. The lower edge is not; it is neither dark, nor bright, nor of one colour.
 showsSkyAboveLand()
 {
-    grab "$scratch/picture.png" && holds 1024x60+0+0 'mean.b - mean.r > 0.15' &&
-        holds 1024x60+0+708 'mean.g > mean.b && mean > 0.1 && mean < 0.8' &&
-        holds 1024x60+0+708 'standard_deviation > 0.02'
+    grab "$scratch/picture.png" && isTrueOf 1024x60+0+0 'mean.b - mean.r > 0.15' &&
+        isTrueOf 1024x60+0+708 'mean.g > mean.b && mean > 0.1 && mean < 0.8' &&
+        isTrueOf 1024x60+0+708 'standard_deviation > 0.02'
 }
 
 isLow()
@@ -57,8 +58,8 @@ isLow()
     read -r _ y _ < <(cubeVector Position) && ((y < 600))
 }
 
-# The view is up into the sky at first, and it leaps with the cube when slow frames let that bounce:
-# the game is stopped shortly before the cube lands.
+# At first the eye looks up into the sky. After the landing, slow frames can make the cube bounce,
+# and the view jumps with the cube. So the game is stopped shortly before the cube lands.
 pictureShowsSkyAboveLand()
 {
     local attempt
@@ -71,7 +72,7 @@ pictureShowsSkyAboveLand()
         echo "picture $attempt does not show the sky above the land"
         stop KILL "$gamePid"
     done
-    complain "no picture shows it"
+    complain "no picture shows the sky above the land"
 }
 
 closingQuits()
@@ -107,11 +108,11 @@ withoutImagesItQuits()
     expectLines head "$scratch/expected"
 }
 
-scratch=$(mktemp -d)
 if [[ -n ${LIBRARY+set} && ! -e $LIBRARY/libSDL-1.2.so.0 ]]; then
     echo "there is no second SDL library in '$LIBRARY'"
-    exit 77 # skipped
+    exit 77 # CTest reports the test as skipped.
 fi
-openDisplay "$scratch"
+scratch=$(mktemp -d)
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
+openDisplay "$scratch"
 "$1"

@@ -87,8 +87,8 @@ playsFromAMovedPrefixThroughALink()
 }
 
 scratch=$(mktemp -d)
-openDisplay "$scratch"
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
+openDisplay "$scratch"
 package=$(tools/package.sh | tail -n 1)
 for claim in describesItselfWithoutFault holdsWhatItShould isHardened playsFromItsRoot \
     isTheSameWhereverItIsBuilt playsFromAMovedPrefixThroughALink; do

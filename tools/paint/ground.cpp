@@ -44,13 +44,7 @@ constexpr Colour CLIFF_DARK = hex(0x4E3A38);
 constexpr Colour LEDGE = hex(0x5E9A26);
 constexpr float CLIFF_LIGHT = 0.9f; // share of the sky that its foot sees: the fjord shines back
 constexpr float CLIFF_SHADE = 0.7f; // its foot is less steep, and the game's sheen pales it
-constexpr Box WATERFALLS[] = {
-    {-6200, 1500, -5300, 1500}, {-6200, -2900, -5300, -2900}, {6200, -1700, 5300, -1700},
-    {6200, 900, 5300, 900},     {6200, 3900, 5300, 3900},     {-2600, 6200, -2600, 5300},
-    {900, 6200, 900, 5300},     {3500, 6200, 3500, 5300},     {-3800, -6200, -3800, -5300},
-    {-350, -6200, -350, -5300}, {2700, -6200, 2700, -5300}};
-
-constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
+constexpr int NOISE_SIDE = 512;     // texels of TexNoise, over 500 units
 constexpr float NOISE_MEAN = 0.945f;
 constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 30 to 60 units
 constexpr float NOISE_TUFT = 0.085f;                 // of 8 to 15 units
@@ -159,20 +153,13 @@ static Colour cliffColour(const Spot &spot)
     return colour * mix(CLIFF_SHADE, 1, soft(0, 0.5f, up)) * (1 + 0.16f * rib);
 }
 
-static float waterfallAt(const Spot &spot)
+static Colour waterColour(const Land &land, int x, int z)
 {
-    float nearest = HALF_LAND;
-    for (const Box &fall : WATERFALLS)
-        nearest = std::min(nearest, segmentDistance(spot.x, spot.z, fall));
-    return soft(34, 12, nearest + 8 * spot.rough);
-}
-
-static Colour waterColour(const Field &water, int x, int z)
-{
+    const Field &water = land.water;
     float inside = 0; // how far the surroundings are water too
     for (int k = 0; k < 9; ++k)
         inside += water.clamped(x + (k % 3 - 1) * 5, z + (k / 3 - 1) * 5) / 9;
-    const float ripple = 0.06f * noiseAt(toWorld(x) / 90, toWorld(z) / 40, 0, 241);
+    const float ripple = 0.06f * noiseAt(land.toWorld(x) / 90, land.toWorld(z) / 40, 0, 241);
     return mix(SHALLOWS, DEEP_WATER, soft(0.3f, 1, inside) * 0.9f) * (1 + ripple);
 }
 
@@ -205,8 +192,8 @@ static Colour bareGround(const Land &land, const Spot &spot, int x, int z)
 {
     const float cliff = land.cliff.at(x, z);
     Colour colour = mix(wildColour(spot), cliffColour(spot), cliff);
-    colour = mix(colour, SNOW, 0.9f * cliff * waterfallAt(spot));
-    for (const Place &place : PLACES)
+    colour = mix(colour, SNOW, 0.9f * land.fall.at(x, z));
+    for (const Place &place : land.villages)
     {
         farm(colour, place, spot);
         const float d = length(spot.x - place.x, spot.z - place.z) + 40 * spot.rough;
@@ -218,7 +205,7 @@ static Colour bareGround(const Land &land, const Spot &spot, int x, int z)
     colour = mix(colour, TRACK * (1 + 0.06f * spot.rough), 0.9f * land.track.at(x, z));
     const float water = land.water.at(x, z);
     const float ford = 0.5f * land.track.at(x, z);
-    return mix(colour, waterColour(land.water, x, z), std::max(water - ford, 0.0f));
+    return mix(colour, waterColour(land, x, z), std::max(water - ford, 0.0f));
 }
 
 static Field moistureOf(const Land &land)
@@ -236,8 +223,8 @@ static Field moistureOf(const Land &land)
 static Spot spotAt(const Land &land, const Field &level, const Field &moisture, int x, int z)
 {
     const Colour n = normalOf(land.height, x, z, 1);
-    const float wx = toWorld(x);
-    const float wz = toWorld(z);
+    const float wx = land.toWorld(x);
+    const float wz = land.toWorld(z);
     return {wx,
             wz,
             land.height.at(x, z),
@@ -263,16 +250,16 @@ static void buildHouse(Canvas &colours, int x, int z, Colour roof)
 
 static void build(Canvas &colours, const Land &land)
 {
-    for (const Place &place : PLACES)
+    for (const Place &place : land.villages)
         for (int k = -12; k <= 12; ++k)
             for (int i = -12; i <= 12; ++i)
             {
                 const int seed = int(place.x);
-                const int x = int((place.x + HALF_LAND) / SPACING) + HOUSE_SPACING * i +
+                const int x = int((place.x + land.half()) / SPACING) + HOUSE_SPACING * i +
                               int(scatter(i, k, seed) * 2);
-                const int z = int((place.z + HALF_LAND) / SPACING) + HOUSE_SPACING * k +
+                const int z = int((place.z + land.half()) / SPACING) + HOUSE_SPACING * k +
                               int(scatter(k, i, seed) * 2);
-                const float d = length(toWorld(x) - place.x, toWorld(z) - place.z);
+                const float d = length(land.toWorld(x) - place.x, land.toWorld(z) - place.z);
                 float taken = d > place.radius || scatter(i, k, seed + 1) > 0.8f;
                 for (int n = 0; n < 9; ++n)
                     taken +=
@@ -284,7 +271,7 @@ static void build(Canvas &colours, const Land &land)
 
 static Canvas landColours(const Land &land)
 {
-    Canvas colours(LAND_SIDE, LAND_SIDE);
+    Canvas colours(land.side(), land.side());
     const Field level = blurred(blurred(land.height, 4), 4);
     const Field surroundings = blurred(blurred(land.height, 10), 10);
     const Field moisture = moistureOf(land);

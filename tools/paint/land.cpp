@@ -4,6 +4,15 @@
 
 #include <libnoise/noise.h>
 
+// The old land, until the one grown from a seed takes its place.
+constexpr int LAND_SIDE = 501;
+constexpr float HALF_LAND = LAND_SIDE * SPACING / 2;
+
+static float toWorld(int sample)
+{
+    return float(sample) * SPACING - HALF_LAND;
+}
+
 namespace
 {
 struct Range
@@ -345,11 +354,51 @@ static void fillWater(Land &land)
         }
 }
 
-Land makeLand()
+int noiseSeed(uint32_t landSeed, int use)
+{
+    return int(scatter(int(landSeed), use, 77) * 16777216.0f);
+}
+
+static void layCountries(Land &land)
+{
+    land.country.assign(COUNTRIES, Field(LAND_SIDE, LAND_SIDE));
+    for (int z = 0; z < LAND_SIDE; ++z)
+        for (int x = 0; x < LAND_SIDE; ++x)
+        {
+            const float wx = toWorld(x);
+            const float wz = toWorld(z);
+            const float waver = 500 * fractal(wx / 900, wz / 900, 0, 3, 0.5f, 91);
+            const float u = soft(-300, 300, wx + waver);
+            const float v = soft(-300, 300, wz + waver);
+            const float away = soft(1300, 2000, length(wx, wz) + waver);
+            land.country[COUNTRY_HIGHLAND].at(x, z) = away * u * v;
+            land.country[COUNTRY_FOREST].at(x, z) = away * (1 - u) * v;
+            land.country[COUNTRY_MARSH].at(x, z) = away * u * (1 - v);
+            land.country[COUNTRY_SNOWFIELD].at(x, z) = away * (1 - u) * (1 - v);
+            land.country[COUNTRY_MEADOW].at(x, z) = 1 - away;
+        }
+}
+
+Land makeLand(uint32_t seed, int)
 {
     Field wanted = rawLand();
-    Land land = {Grid<unsigned char>(LAND_SIDE, LAND_SIDE), wanted, Field(LAND_SIDE, LAND_SIDE),
-                 Field(LAND_SIDE, LAND_SIDE), Field(LAND_SIDE, LAND_SIDE)};
+    const Field none(LAND_SIDE, LAND_SIDE);
+    Land land = {seed,
+                 Grid<unsigned char>(LAND_SIDE, LAND_SIDE),
+                 wanted,
+                 none,
+                 none,
+                 none,
+                 none,
+                 {},
+                 {{950, 1250, 250},
+                  {-800, 3350, 220},
+                  {-2500, -1100, 230},
+                  {2350, 2500, 210},
+                  {2150, -1250, 230},
+                  {-3000, 2700, 200},
+                  {330, -2050, 150}}};
+    layCountries(land);
     erode(wanted);
     layWater(wanted, land.water);
     raiseCliff(wanted);

@@ -18,7 +18,7 @@ int main(int argc, char **argv)
     if (icons)
         return paintIcons(argv[1]) ? 0 : 1;
     const Output output = {argv[1], png};
-    const Land land = makeLand();
+    const Land land = makeLand(1, 501);
     const int done = paintLand(output, land) && paintGround(output, land) && paintCube(output) &&
                      paintSky(output) && paintTank(output) && paintPeople(output);
     return done ? 0 : 1;

@@ -112,6 +112,34 @@ Field blurred(const Field &field, int radius)
     return blurredRows(blurredRows(field, radius), radius);
 }
 
+// One sweep over the grid in reading order, forward or backward, along rows.
+static void spreadDistance(Field &distance, int step)
+{
+    constexpr float DIAGONAL = 1.4f;
+    const int count = distance.width * distance.height;
+    for (int i = 0; i < count; ++i)
+    {
+        const int cell = step > 0 ? i : count - 1 - i;
+        const int x = cell % distance.width;
+        const int y = cell / distance.width;
+        float &here = distance.at(x, y);
+        here = std::min({here, distance.clamped(x - step, y) + 1, distance.clamped(x, y - step) + 1,
+                         distance.clamped(x - step, y - step) + DIAGONAL,
+                         distance.clamped(x + step, y - step) + DIAGONAL});
+    }
+}
+
+Field distanceTo(const Field &field, float low, float high)
+{
+    Field distance(field.width, field.height, 1e6f);
+    for (size_t i = 0; i < field.cells.size(); ++i)
+        if (field.cells[i] >= low && field.cells[i] <= high)
+            distance.cells[i] = 0;
+    spreadDistance(distance, 1);
+    spreadDistance(distance, -1);
+    return distance;
+}
+
 // Paints where distance(x, y), in units from the outline and negative inside, is below half a
 // texel; nothing of it lies more than reach outside the box.
 template <typename Distance>

@@ -116,6 +116,11 @@ float fractal(float x, float y, int period, int octaves, float gain, int seed);
 // The mean over a square of 2 * radius + 1 cells, the edge cells repeated outside the grid.
 Field blurred(const Field &field, int radius);
 
+// For each cell the distance, in cells, to the nearest cell whose value lies from low to high.
+// Diagonal steps are 1.4 cells long, so distances are up to 8 % too long. The distance is huge if
+// no cell has such a value.
+Field distanceTo(const Field &field, float low, float high);
+
 // Shapes in the canvas's units, with edges one texel soft; strength 0..1 mixes the colour in.
 void fillBox(Canvas &canvas, Box box, Colour colour, float strength = 1);
 void fillDisc(Canvas &canvas, float x, float y, float radius, Colour colour, float strength = 1);

@@ -52,7 +52,7 @@ static int wrapped(int i, int period)
     return period > 0 ? (i % period + period) % period : i;
 }
 
-// libnoise hashes whole lattice points, so wrapping those makes its noise repeat.
+// libnoise hashes the whole coordinates of the lattice. Wrapping these makes the noise repeat.
 static float latticeNoise(float x, float y, int ix, int iy, int period, int seed)
 {
     const int wx = wrapped(ix, period);
@@ -92,7 +92,7 @@ float fractal(float x, float y, int period, int octaves, float gain, int seed)
 
 static Field blurredRows(const Field &field, int radius)
 {
-    Field result(field.height, field.width); // turned, so that a second call does the columns
+    Field result(field.height, field.width); // transposed: a second call blurs the columns
     for (int y = 0; y < field.height; ++y)
     {
         double sum = 0;
@@ -140,8 +140,8 @@ Field distanceTo(const Field &field, float low, float high)
     return distance;
 }
 
-// Paints where distance(x, y), in units from the outline and negative inside, is below half a
-// texel; nothing of it lies more than reach outside the box.
+// Fills a shape that is given by distance(x, y), the distance from the shape's outline in units,
+// negative inside. The shape must lie within the box, made larger by `reach` units on all sides.
 template <typename Distance>
 static void fillShape(Canvas &canvas, Box box, float reach, Colour colour, float strength,
                       Distance distance)

@@ -64,6 +64,6 @@ Colour cliffColour(const Spot &spot)
     const float broad = fractal(spot.x / 800, spot.z / 800, 0, 3, 0.6f, layer(spot, 104));
     const Colour face = footColour(rockFace(spot, up, broad), spot, up, broad);
     const float snow =
-        up - TOP_SNOW + 0.3f * broad + 0.06f * spot.rough + 0.35f * spot.weights[COUNTRY_SNOWFIELD];
+        up - TOP_SNOW + 0.3f * broad + 0.06f * spot.rough + 0.22f * spot.weights[COUNTRY_SNOWFIELD];
     return mix(face, snowColour(spot), soft(-0.05f, 0.05f, snow));
 }

@@ -24,13 +24,13 @@ constexpr Colour POOL = hex(0x2A9CBC);
 constexpr Colour HEATH = hex(0xA89A6A);
 constexpr Colour ROCK = hex(0xDCA05C);
 constexpr Colour ROCK_DARK = hex(0x804C32);
-constexpr Colour RED_ROCK[] = {hex(0xC4552E), hex(0xEA9A58), hex(0x9C3E2A), hex(0xF2BC7C),
-                               hex(0xB8623A)};
+constexpr Colour RED_ROCK[] = {hex(0xCE6234), hex(0xF0A864), hex(0xA84A30), hex(0xF6C888),
+                               hex(0xC47444)};
 constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
 // Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
-constexpr Colour SNOW = {0.78f, 0.94f, 1.50f};
-constexpr Colour SNOW_SHADE = {0.52f, 0.76f, 1.40f};
+constexpr Colour SNOW = {0.81f, 0.97f, 1.60f};
+constexpr Colour SNOW_SHADE = {0.64f, 0.84f, 1.16f};
 
 constexpr float SNOW_LINE = 400;               // units
 constexpr float SNOWFIELD_DROP = 420;          // how much lower the snow begins in a snowfield
@@ -125,7 +125,7 @@ static Colour highlandColour(const Spot &spot)
     colour = mix(colour, RED_EARTH, 0.8f * soft(0.08f, 0.3f, earth + 0.15f * spot.grain));
     colour = mix(colour, MEADOW, 0.7f * soft(0.45f, 0.8f, spot.moisture));
     colour = mix(colour, WASH, 0.8f * soft(4, 12, spot.hollow + 4 * spot.rough));
-    colour = mix(colour, redRock(spot), soft(0.1f, 0.2f, spot.slope + 0.04f * spot.rough));
+    colour = mix(colour, redRock(spot), soft(0.13f, 0.25f, spot.slope + 0.04f * spot.rough));
     const Clump shrub = clumpAt(spot, 105, 24, 40);
     if (shrub.pick > 0.5f)
         return colour;
@@ -232,8 +232,8 @@ Colour snowColour(const Spot &spot)
     const float across = spot.z - 0.35f * spot.x;
     const float ripple = noiseAt(along / 330, across / 75, 0, layer(spot, 90)) +
                          0.6f * noiseAt(along / 150, across / 38, 0, layer(spot, 91));
-    const float light = spot.facing + 0.28f * ripple - spot.hollow / 60;
-    return mix(SNOW_SHADE, SNOW, soft(0.25f, 1.05f, light));
+    const float light = spot.facing + 0.5f * ripple - spot.hollow / 60;
+    return mix(SNOW_SHADE, SNOW, soft(0.3f, 1.25f, light));
 }
 
 static Colour snowy(Colour ground, const Spot &spot)
@@ -243,7 +243,7 @@ static Colour snowy(Colour ground, const Spot &spot)
                         SNOWFIELD_DROP * field - 90 * spot.weights[COUNTRY_HIGHLAND];
     const float ridge = spot.slope + 0.14f * spot.rough + 0.1f * spot.grain - spot.hollow / 90;
     const float lies =
-        soft(SNOW_LINE - 14, SNOW_LINE + 14, level) * (1 - 0.85f * soft(0.5f, 0.72f, ridge));
+        soft(SNOW_LINE - 14, SNOW_LINE + 14, level) * (1 - 0.85f * soft(0.42f, 0.62f, ridge));
     return mix(ground, snowColour(spot), lies);
 }
 

@@ -15,7 +15,7 @@ constexpr Colour CROPS[COUNTRIES][CROP_KINDS] = {
     {hex(0xE2EAF8), hex(0xD0DCF2), hex(0xC8B89A), hex(0xEEF4FF), hex(0xBECEEA), hex(0xDCE6F8)}};
 constexpr Colour HEDGE = hex(0x3E6E22);
 constexpr Colour STONE_WALL = hex(0xB89A78);
-constexpr Colour BARE_HEDGE = hex(0x5A6878);
+constexpr Colour BARE_HEDGE = hex(0x8C9CB4);
 
 constexpr float FIELD_LENGTH = 150; // units
 constexpr float FIELD_WIDTH = 100;

@@ -10,7 +10,7 @@ constexpr Colour BOUNCE = {0.36f, 0.32f, 0.29f}; // light from the ground and wa
 constexpr float SUN_RELIEF = 1.7f;               // slopes are lit as if so much steeper
 constexpr float OCCLUSION_DEPTH = 230; // units below the surroundings at which no sky would be seen
 constexpr float LEAST_SKY = 0.55f;     // of the skylight, in the deepest valley
-constexpr float CLIFF_SKY = 0.85f;     // and on the cliff and the water below it
+constexpr float CLIFF_SKY = 0.95f;     // and on the cliff and the water below it
 constexpr float STEEP_GAIN = 0.45f; // how much of the game's dimming of steep slopes is made good
 
 constexpr float SHOULDER = 0.82f; // brighter than this is pressed below 1, not cut off
@@ -20,7 +20,7 @@ constexpr float BORDER_SWAY = 0.6f; // how far noise shifts the border between c
 constexpr int BROAD = 8;            // samples, over which the share of open water is taken
 
 constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
-constexpr float NOISE_MEAN = 0.945f;
+constexpr float NOISE_MEAN = 0.955f;
 constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 30 to 60 units
 constexpr float NOISE_TUFT = 0.085f;                 // of 8 to 15 units
 constexpr float NOISE_BLADE = 0.06f;                 // of 2 to 4 units; more would shimmer far away

@@ -3,7 +3,7 @@
 
 constexpr Colour SAND = hex(0xF0D898);
 constexpr Colour PEBBLES = hex(0xB4A894);
-constexpr Colour MUD = hex(0x94804E);
+constexpr Colour MUD = hex(0xBCA066);
 constexpr Colour SHALLOWS = hex(0x3CD2C8);
 constexpr Colour OPEN_WATER = hex(0x1484CC);
 constexpr Colour DEEP_WATER = hex(0x0048B8);
@@ -12,21 +12,21 @@ constexpr Colour RIVER_EDGE = hex(0x48C4CE);
 constexpr Colour ICE = hex(0xB2E2F4);
 constexpr Colour BLUE_ICE = hex(0x62B4E2);
 
-constexpr float BEACH_WIDTH = 110;    // units, where it is widest
+constexpr float BEACH_WIDTH = 140;    // units, where it is widest
 constexpr float RAPIDS_SLOPE = 0.07f; // rise per run from which a river foams
 
 Colour shoreColour(Colour ground, const Spot &spot)
 {
     const float bay = fractal(spot.x / 750, spot.z / 750, 0, 3, 0.5f, layer(spot, 120));
     const float width =
-        BEACH_WIDTH * (0.25f + 0.75f * soft(-0.15f, 0.3f, bay)) * soft(0.1f, 0.3f, spot.open);
+        BEACH_WIDTH * (0.4f + 0.6f * soft(-0.15f, 0.3f, bay)) * soft(0.1f, 0.3f, spot.open);
     const float *w = spot.weights;
     Colour sand =
         mix(SAND, PEBBLES, std::min(w[COUNTRY_SNOWFIELD] + 0.5f * w[COUNTRY_FOREST], 1.0f));
     sand = mix(sand, MUD, 0.7f * w[COUNTRY_MARSH]) * (1 + 0.1f * spot.grain);
     sand = sand * (1 - 0.25f * soft(45, 15, spot.shore)); // wet
     const float beach = soft(width, width * 0.5f, spot.shore + 14 * spot.rough) *
-                        soft(0.42f, 0.22f, spot.slope + 0.06f * spot.rough);
+                        soft(0.5f, 0.3f, spot.slope + 0.06f * spot.rough);
     return mix(ground, sand, width > 5 ? beach : 0);
 }
 
@@ -34,8 +34,9 @@ Colour shoreColour(Colour ground, const Spot &spot)
 static float surfAt(const Spot &spot)
 {
     const float broken = noiseAt(spot.x / 130, spot.z / 130, 0, layer(spot, 130));
-    const float first = soft(38, 12, spot.depth) * soft(-0.35f, 0.1f, broken);
-    const float second = soft(40, 8, std::fabs(spot.depth - 85)) * soft(0.1f, 0.4f, broken);
+    const float first = soft(60, 25, spot.depth) * soft(-0.4f, 0.05f, broken);
+    const float second =
+        soft(35, 10, std::fabs(spot.depth - 90 - 30 * broken)) * soft(0.1f, 0.4f, broken);
     return std::max(first, 0.5f * second) * soft(0.2f, 0.4f, spot.open);
 }
 

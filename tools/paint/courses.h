@@ -1,0 +1,29 @@
+// courses.h - lines through the land, such as rivers and tracks.
+#pragma once
+
+#include "plan.h"
+
+struct CoursePoint
+{
+    float x, z;
+    float level;     // height of the course there
+    float halfWidth; // 0 for lines without a width
+};
+
+using Course = std::vector<CoursePoint>;
+
+// For each sample what lies nearest on any course, as far as `reach` from it.
+struct Nearby
+{
+    Field distance; // units; reach and more where nothing is near
+    Field level;
+    Field halfWidth;
+};
+
+// Averages each point with as many neighbours on either side; the ends stay where they are.
+Course smoothed(const Course &course, int neighbours);
+
+// The point of a course that is nearest to a place; the course has one point at least.
+const CoursePoint &nearestPoint(const Course &course, float x, float z);
+
+Nearby surveyCourses(const Plan &plan, const std::vector<Course> &courses, float reach);

@@ -37,9 +37,13 @@ static Colour rockFace(const Spot &spot, float up, float broad)
     const float along = alongCoast(spot);
     const float rib = noiseAt(along / 105, up * 0.8f, 0, layer(spot, 101)) +
                       0.6f * noiseAt(along / 55, up * 1.5f, 0, layer(spot, 102));
-    const float level = spot.height / LAYER_HEIGHT + 1.2f * broad + 0.12f * rib;
-    Colour colour = layerColour(spot, level) * (1 + 0.2f * rib + 0.3f * spot.grain);
-    colour = mix(colour, CRACK, 0.7f * soft(0.4f, 0.6f, -rib));
+    const float waver = fractal(along / 330, up * 1.2f, 0, 3, 0.6f, layer(spot, 106));
+    const float level = spot.height / LAYER_HEIGHT + 1.2f * broad + 0.7f * waver + 0.1f * rib;
+    const float plain = soft(-0.1f, 0.35f, waver + broad); // stretches of massive rock
+    const Colour massive = LAYERS[2] * (0.9f + 0.25f * waver);
+    Colour colour = mix(layerColour(spot, level), massive, 0.65f * plain);
+    colour = colour * (1 + 0.22f * rib + 0.25f * spot.grain);
+    colour = mix(colour, CRACK, 0.6f * soft(0.45f, 0.7f, -rib - 0.4f * waver));
     const float patch = fractal(along / 170, spot.height / 130, 0, 3, 0.6f, layer(spot, 103));
     colour = mix(colour, LICHEN, 0.55f * soft(0.12f, 0.34f, patch + 0.2f * spot.grain));
     const float ledge = level - std::floor(level);

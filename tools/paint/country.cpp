@@ -11,7 +11,7 @@ constexpr Colour OCHRE = hex(0xD29A3E);
 constexpr Colour RED_EARTH = hex(0xC8603A);
 constexpr Colour WASH = hex(0xF0D9A8);
 constexpr Colour SHRUB = hex(0x66783A);
-constexpr Colour UNDERWOOD = hex(0x174214);
+constexpr Colour UNDERWOOD = hex(0x123A18);
 constexpr Colour CONIFER = hex(0x2E7C38);
 constexpr Colour SILVER_FIR = hex(0x2C5E54);
 constexpr Colour BIRCH = hex(0xA6B83A);
@@ -30,7 +30,7 @@ constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
 // Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
 constexpr Colour SNOW = {0.81f, 0.97f, 1.60f};
-constexpr Colour SNOW_SHADE = {0.64f, 0.84f, 1.16f};
+constexpr Colour SNOW_SHADE = {0.70f, 0.96f, 1.25f};
 
 constexpr float SNOW_LINE = 400;               // units
 constexpr float SNOWFIELD_DROP = 420;          // how much lower the snow begins in a snowfield
@@ -186,7 +186,7 @@ static Colour crownColour(const Spot &spot, const Clump &tree)
     const float wet = 0.5f * spot.weights[COUNTRY_MARSH];
     if (spot.weights[COUNTRY_SNOWFIELD] > 0.4f)
         return mix(SILVER_FIR, SNOW, 0.8f * soft(0, 0.5f, tree.sunward));
-    if (kind + wet > 0.98f)
+    if (kind + wet > 1.04f)
         return tree.pick > 0.93f && wet < 0.2f ? AUTUMN : BIRCH;
     return kind > 0.5f ? FOREST_LIGHT * 1.15f : CONIFER;
 }
@@ -201,7 +201,8 @@ static Colour wooded(Colour ground, const Spot &spot)
     const Clump tree = clumpAt(spot, CROWN_CELL, 0.62f * CROWN_CELL, 61);
     const float light = 0.95f + 0.5f * tree.sunward + 0.12f * spot.grain;
     const Colour crown = crownColour(spot, tree) * std::clamp(light, 0.5f, 1.4f);
-    const Colour canopy = mix(UNDERWOOD, crown, soft(1.25f, 0.75f, tree.distance));
+    const Colour floor = mix(UNDERWOOD, ground * 0.7f, spot.weights[COUNTRY_SNOWFIELD]);
+    const Colour canopy = mix(floor, crown, soft(1.25f, 0.75f, tree.distance));
     return mix(ground, canopy, here);
 }
 

@@ -9,6 +9,10 @@ constexpr Colour SKYLIGHT = {0.56f, 0.58f, 0.64f};
 constexpr Colour BOUNCE = {0.36f, 0.32f, 0.29f}; // light from the ground and water on steep slopes
 constexpr float SUN_RELIEF = 1.7f;               // slopes are lit as if so much steeper
 constexpr float OCCLUSION_DEPTH = 230; // units below the surroundings at which no sky would be seen
+constexpr float SHADOW_RELIEF = 1.25f; // shadows are as long as if the land were so much higher
+constexpr int SHADOW_STEPS = 40;       // samples that a shadow reaches at most
+constexpr float PENUMBRA = 35;         // units below the edge of a shadow where it is full
+constexpr float SHADOW = 0.55f;        // share of the sunlight that a full shadow takes
 constexpr float LEAST_SKY = 0.55f;     // of the skylight, in the deepest valley
 constexpr float CLIFF_SKY = 0.95f;     // and on the cliff and the water below it
 constexpr float STEEP_GAIN = 0.45f; // how much of the game's dimming of steep slopes is made good
@@ -25,7 +29,7 @@ constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 3
 constexpr float NOISE_TUFT = 0.085f;                 // of 8 to 15 units
 constexpr float NOISE_BLADE = 0.06f;                 // of 2 to 4 units; more would shimmer far away
 constexpr int NOISE_STROKES = 6500;                  // stems and chips of stone
-constexpr float NOISE_STROKE = 0.14f;                // how far one is lighter or darker
+constexpr float NOISE_STROKE = 0.11f;                // how far one is lighter or darker
 constexpr Colour NOISE_TINT = {1.0f, 0.985f, 0.94f}; // a warm cast, against the white sheen
 
 namespace
@@ -38,6 +42,7 @@ struct Surroundings // what a sample's look depends on beside its own height
     Field moisture;     // 0 dry .. 1 wet
     Field shore, depth; // units to the nearest water, and in the water to the nearest shore
     Field open;         // share of water near by
+    Field shadow;       // that the land throws: 0 none .. 1 full
 };
 } // namespace
 
@@ -66,12 +71,36 @@ static Colour lightAt(const Land &land, const Surroundings &around, const Spot &
     const float sky =
         std::clamp(0.92f - below / OCCLUSION_DEPTH, mix(LEAST_SKY, CLIFF_SKY, bright), 1.0f);
     const float up = 1 / std::sqrt(1 + square(spot.slope));
+    const float sun = 1 - SHADOW * around.shadow.at(x, z) * (1 - 0.6f * bright);
     const float shade = std::max(1 - spot.facing, 0.0f);
-    const Colour light =
-        SUNLIGHT * (0.62f * spot.facing) + SKYLIGHT * sky + BOUNCE * ((1 - up) * (0.4f + shade));
+    const Colour light = SUNLIGHT * (0.62f * spot.facing * sun) + SKYLIGHT * sky +
+                         BOUNCE * ((1 - up) * (0.4f + shade));
     return light * mix(1, 2 / (1 + up),
                        STEEP_GAIN * (1 - land.cliff.at(
                                              x, z))); // the game lights by 1 + up, see docs/maps.md
+}
+
+// How deep each sample lies in the shadow that the land throws: 0 none .. 1 full.
+static Field shadowsOf(const Field &height)
+{
+    Field shadow(height.width, height.height);
+    const float level = length(SUN[0], SUN[2]);
+    const float rise = SUN[1] / level * SPACING / SHADOW_RELIEF; // of a ray, from sample to sample
+    shadow.paint(
+        [&](int x, int z)
+        {
+            float above = 0; // of the land over the ray toward the sun, in units
+            for (int k = 1; k <= SHADOW_STEPS; ++k)
+            {
+                const float way = float(k) / level;
+                const float ray = height.at(x, z) + rise * float(k);
+                const float land =
+                    height.clamped(x + int(SUN[0] * way + 0.5f), z + int(SUN[2] * way + 0.5f));
+                above = std::max(above, (land - ray) / (1 + 0.06f * float(k)));
+            }
+            return soft(0, PENUMBRA, above);
+        });
+    return blurred(shadow, 1);
 }
 
 static Field moistureOf(const Land &land)
@@ -94,7 +123,8 @@ static Surroundings surroundingsOf(const Land &land)
             moistureOf(land),
             distanceTo(land.water, 0.5f, 1),
             distanceTo(land.water, 0, 0.5f),
-            blurred(land.water, BROAD)};
+            blurred(land.water, BROAD),
+            shadowsOf(land.height)};
 }
 
 // Noise shifts the borders of the countries, which then meet within some samples.

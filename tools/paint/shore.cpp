@@ -2,7 +2,7 @@
 #include "ground.h"
 
 constexpr Colour SAND = hex(0xF0D898);
-constexpr Colour PEBBLES = hex(0xB4A894);
+constexpr Colour PEBBLES = hex(0xA4A8B0);
 constexpr Colour MUD = hex(0xBCA066);
 constexpr Colour SHALLOWS = hex(0x3CD2C8);
 constexpr Colour OPEN_WATER = hex(0x1484CC);

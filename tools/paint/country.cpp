@@ -29,7 +29,7 @@ constexpr Colour RED_ROCK[] = {hex(0xCE6234), hex(0xF0A864), hex(0xA84A30), hex(
 constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
 // Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
-constexpr Colour SNOW = {0.81f, 0.97f, 1.60f};
+constexpr Colour SNOW = {0.87f, 1.02f, 1.70f};
 constexpr Colour SNOW_SHADE = {0.70f, 0.96f, 1.25f};
 
 constexpr float SNOW_LINE = 400;               // units

@@ -20,7 +20,8 @@ constexpr float STEEP_GAIN = 0.45f; // how much of the game's dimming of steep s
 constexpr float SHOULDER = 0.82f; // brighter than this is pressed below 1, not cut off
 constexpr Colour TRACK = hex(0xD9B57A);
 constexpr Colour SNOWY_TRACK = hex(0xC4B8AC);
-constexpr float BORDER_SWAY = 0.6f; // how far noise shifts the border between countries
+constexpr float BORDER_BEND = 34; // samples by which noise bends the borders of countries, at most
+constexpr float BORDER_FRAY = 0.8f; // strength of the noise that frays them
 constexpr int BROAD = 8;            // samples, over which the share of open water is taken
 
 constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
@@ -127,19 +128,23 @@ static Surroundings surroundingsOf(const Land &land)
             shadowsOf(land.height)};
 }
 
-// Noise shifts the borders of the countries, which then meet within some samples.
+// Noise bends the borders between countries and frays them over some samples.
 static void shareCountries(Spot &spot, const Land &land, int x, int z)
 {
+    const float bendX = fractal(spot.x / 1700, spot.z / 1700, 0, 3, 0.5f, layer(spot, 210));
+    const float bendZ = fractal(spot.x / 1700, spot.z / 1700, 0, 3, 0.5f, layer(spot, 215));
+    const int fromX = x + int(std::floor(BORDER_BEND * bendX + 0.5f));
+    const int fromZ = z + int(std::floor(BORDER_BEND * bendZ + 0.5f));
     float sum = 0;
     for (int k = 0; k < COUNTRIES; ++k)
     {
-        const float weight = land.weight(Country(k), x, z);
-        const bool contested = weight > 0.02f && weight < 0.98f;
-        const float sway =
-            contested ? fractal(spot.x / 520, spot.z / 520, 0, 4, 0.65f, layer(spot, 180 + 5 * k))
-                      : 0;
-        const float share = std::max(weight + BORDER_SWAY * sway * 4 * weight * (1 - weight), 0.0f);
-        spot.weights[k] = square(square(share));
+        const float weight = land.country[size_t(k)].clamped(fromX, fromZ);
+        const float fray =
+            weight > 0.02f && weight < 0.98f
+                ? fractal(spot.x / 520, spot.z / 520, 0, 4, 0.65f, layer(spot, 180 + 5 * k))
+                : 0;
+        const float share = weight + BORDER_FRAY * fray * 4 * weight * (1 - weight);
+        spot.weights[k] = square(square(std::max(share, 0.0f)));
         sum += spot.weights[k];
     }
     for (float &weight : spot.weights)

@@ -27,7 +27,8 @@ Colour shoreColour(Colour ground, const Spot &spot)
     sand = sand * (1 - 0.25f * soft(45, 15, spot.shore)); // wet
     const float beach = soft(width, width * 0.5f, spot.shore + 14 * spot.rough) *
                         soft(0.5f, 0.3f, spot.slope + 0.06f * spot.rough);
-    return mix(ground, sand, width > 5 ? beach : 0);
+    const float clear = 1 - 0.85f * w[COUNTRY_SNOWFIELD]; // of snow
+    return mix(ground, sand, width > 5 ? beach * clear : 0);
 }
 
 // Waves run in broken white lines along the shore.

@@ -31,6 +31,18 @@ const CoursePoint &nearestPoint(const Course &course, float x, float z)
                              { return length(a.x - x, a.z - z) < length(b.x - x, b.z - z); });
 }
 
+float heightAt(const Field &height, float x, float z)
+{
+    const float u = x / SPACING + float(height.width) / 2;
+    const float w = z / SPACING + float(height.height) / 2;
+    const int ix = int(std::floor(u));
+    const int iz = int(std::floor(w));
+    const float low = mix(height.clamped(ix, iz), height.clamped(ix + 1, iz), u - float(ix));
+    const float high =
+        mix(height.clamped(ix, iz + 1), height.clamped(ix + 1, iz + 1), u - float(ix));
+    return mix(low, high, w - float(iz));
+}
+
 static float shareAlong(const CoursePoint &a, const CoursePoint &b, float x, float z)
 {
     const float dx = b.x - a.x;

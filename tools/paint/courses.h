@@ -3,15 +3,6 @@
 
 #include "plan.h"
 
-struct CoursePoint
-{
-    float x, z;
-    float level;     // height of the course there
-    float halfWidth; // 0 for lines without a width
-};
-
-using Course = std::vector<CoursePoint>;
-
 // For each sample what lies nearest on any course, as far as `reach` from it.
 struct Nearby
 {
@@ -25,5 +16,8 @@ Course smoothed(const Course &course, int neighbours);
 
 // The point of a course that is nearest to a place; the course has one point at least.
 const CoursePoint &nearestPoint(const Course &course, float x, float z);
+
+// The height of a field between its samples.
+float heightAt(const Field &height, float x, float z);
 
 Nearby surveyCourses(const Plan &plan, const std::vector<Course> &courses, float reach);

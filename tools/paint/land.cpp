@@ -2,6 +2,7 @@
 
 #include "coast.h"
 #include "erosion.h"
+#include "faults.h"
 #include "painters.h"
 #include "plan.h"
 #include "progress.h"
@@ -10,6 +11,9 @@
 #include "settlement.h"
 #include "smoothing.h"
 #include "water.h"
+
+constexpr int TRIALS = 12;    // of lands with a fault
+constexpr int DEEPENINGS = 4; // of river beds in one land
 
 int noiseSeed(uint32_t landSeed, int use)
 {
@@ -44,18 +48,14 @@ static void markCliff(const Plan &plan, const Waters &waters, Land &land)
         }
 }
 
-Land makeLand(uint32_t seed, int side)
+static Land growLand(const Plan &plan)
 {
-    const Plan plan = {seed, side};
-    Land land = {seed,
-                 Grid<unsigned char>(side, side),
-                 plan.field(),
-                 plan.field(),
-                 plan.field(),
-                 plan.field(),
-                 plan.field(),
-                 layCountries(plan),
-                 {}};
+    const int side = plan.side;
+    Land land = {plan.seed,    Grid<unsigned char>(side, side),
+                 plan.field(), plan.field(),
+                 plan.field(), plan.field(),
+                 plan.field(), layCountries(plan),
+                 {},           {}};
     startStage("Raising mountains");
     Field wanted = raiseGround(plan, land.country);
     startStage("Letting it rain");
@@ -68,8 +68,21 @@ Land makeLand(uint32_t seed, int side)
     startStage("Raising the cliff");
     raiseCliff(plan, wanted);
     settleHeights(wanted, land);
+    for (int i = 0; i < DEEPENINGS && deepenBeds(plan, waters, land.height, wanted); ++i)
+        settleHeights(wanted, land);
+    land.rivers = waters.rivers;
     land.water = waterSurface(plan, waters, land.height);
     markCliff(plan, waters, land);
+    return land;
+}
+
+// Few lands have a fault; they are grown again from another seed, which follows from the first.
+Land makeLand(uint32_t seed, int side)
+{
+    Land land = growLand({seed, side});
+    for (int trial = 1; trial < TRIALS && faultOf(land); ++trial)
+        land = growLand({uint32_t(noiseSeed(seed, 1000 + trial)), side});
+    land.seed = seed;
     return land;
 }
 

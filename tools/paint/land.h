@@ -28,6 +28,15 @@ struct Place
     float radius; // of the houses; the fields reach three times as far
 };
 
+struct CoursePoint // of a line through the land
+{
+    float x, z;
+    float level;     // height of the water there
+    float halfWidth; // 0 for lines without a width
+};
+
+using Course = std::vector<CoursePoint>;
+
 struct Land
 {
     uint32_t seed;
@@ -39,6 +48,7 @@ struct Land
     Field fall;                 // 0 .. 1 white water, where a river or the cliff's brook drops
     std::vector<Field> country; // weights 0 .. 1, one field for each Country
     std::vector<Place> villages;
+    std::vector<Course> rivers; // downstream; each ends in the fjord or in another river
 
     int side() const
     {

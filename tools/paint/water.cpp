@@ -21,10 +21,12 @@ constexpr float CUTS[] = {42, 28, 15, 6,
                           2};      // depth below the way out that a large lake keeps, in turn
 constexpr float CUT_SLOPE = 0.42f; // of the sides of such a cut
 constexpr float CUT_REACH = 700;
-constexpr float LAKE_DEPTH = 3;   // what lies so far below the way out belongs to the lake
-constexpr float LAKE_FLOW = 1500; // lakes with less water dry up
+constexpr float LAKE_DEPTH = 3;     // what lies so far below the way out belongs to the lake
+constexpr float LAKE_FLOW = 1500;   // lakes with less water dry up
+constexpr float SLIGHT_RISE = 1.5f; // of a river's ground; nobody sees that it runs uphill
+constexpr float DEEPENING = 1.2f;   // what a bed is lowered for each unit of such a rise
 constexpr float FAR_SHORE = 2000;
-constexpr float LANDING_WALL = 60; // height, for the streams alone
+constexpr float LANDING_WALL = 90; // height, for the streams alone
 
 // Rain falls most on the mountains and in the snow, and hardly any on the dry highland.
 static Field rainOn(const std::vector<Field> &countries, const Field &height)
@@ -152,20 +154,17 @@ static int isLake(const Hollow &hollow, const Drainage &drainage, const Field &h
            drainage.flow.cells[size_t(hollow[0])] >= LAKE_FLOW;
 }
 
-// Deep hollows through which much water comes are lakes. Returns how many there are.
-static int fillLakes(const Drainage &drainage, const Field &height, Field &standing)
+// Deep hollows through which much water comes are lakes.
+static void fillLakes(const Drainage &drainage, const Field &height, Field &standing)
 {
-    int lakes = 0;
     for (const Hollow &hollow : findHollows(drainage, height))
     {
         if (!isLake(hollow, drainage, height))
             continue;
-        ++lakes;
         for (const int cell : hollow)
             standing.cells[size_t(cell)] =
                 std::max(drainage.level.cells[size_t(cell)] - RIVER_BED, WATER_LEVEL);
     }
-    return lakes;
 }
 
 namespace
@@ -367,7 +366,7 @@ static Field roughened(const Plan &plan, const Field &height)
             const float wall = segmentDistance(wx, wz, {0, -150, 0, 2 * LANDING_Z + 150});
             if (height.at(x, z) > WATER_LEVEL)
                 rough.at(x, z) +=
-                    3 + 5 * plan.waves(wx, wz, 300, 2, 53) + LANDING_WALL * soft(500, 350, wall);
+                    3 + 5 * plan.waves(wx, wz, 300, 2, 53) + LANDING_WALL * soft(800, 450, wall);
         }
     return rough;
 }
@@ -400,11 +399,41 @@ Waters layWater(const Plan &plan, const std::vector<Field> &countries, Field &he
                      {plan.field(), plan.field(), plan.field()},
                      plan.field(),
                      plan.field()};
-    waters.lakes = fillLakes(drainage, rough, standing);
+    fillLakes(drainage, rough, standing);
     waters.river = surveyCourses(plan, waters.rivers, RIVER_BANK + 60);
     surveyShores(plan, standing, waters);
     carve(plan, waters, height);
     return waters;
+}
+
+// The course with what each point rises above the lowest one upstream as its level.
+static Course risesOf(const Course &river, const Field &height)
+{
+    Course rises = river;
+    float lowest = HEIGHT_RANGE;
+    for (CoursePoint &p : rises)
+    {
+        const float seen = std::max(heightAt(height, p.x, p.z), WATER_LEVEL);
+        lowest = std::min(lowest, seen);
+        p.level = seen - lowest;
+    }
+    return rises;
+}
+
+int deepenBeds(const Plan &plan, const Waters &waters, const Field &height, Field &wanted)
+{
+    std::vector<Course> rises;
+    for (const Course &river : waters.rivers)
+        rises.push_back(risesOf(river, height));
+    const Nearby near = surveyCourses(plan, rises, RIVER_BANK);
+    float highest = 0;
+    for (size_t i = 0; i < wanted.cells.size(); ++i)
+    {
+        const float bank = soft(RIVER_BANK, near.halfWidth.cells[i], near.distance.cells[i]);
+        highest = std::max(highest, near.level.cells[i] * bank);
+        wanted.cells[i] -= DEEPENING * near.level.cells[i] * bank;
+    }
+    return highest > SLIGHT_RISE;
 }
 
 Field waterSurface(const Plan &plan, const Waters &waters, const Field &height)

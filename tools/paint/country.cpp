@@ -6,10 +6,11 @@ constexpr Colour LUSH = hex(0x3C961A);
 constexpr Colour DRY_GRASS = hex(0xD8B432);
 constexpr Colour FLOWERS[] = {hex(0xFFEE3A), hex(0xFFF6E8), hex(0xFF7A2E), hex(0xD88AE8),
                               hex(0xFFD23A)};
-constexpr Colour STRAW = hex(0xEACB62);
-constexpr Colour OCHRE = hex(0xD29A3E);
-constexpr Colour RED_EARTH = hex(0xC8603A);
+constexpr Colour STRAW = hex(0xF6DC72);
+constexpr Colour OCHRE = hex(0xE2AE4A);
+constexpr Colour RED_EARTH = hex(0xD0683E);
 constexpr Colour WASH = hex(0xF0D9A8);
+constexpr Colour SALT = hex(0xFFF2DE);
 constexpr Colour SHRUB = hex(0x66783A);
 constexpr Colour UNDERWOOD = hex(0x123A18);
 constexpr Colour CONIFER = hex(0x2E7C38);
@@ -21,6 +22,7 @@ constexpr Colour REED = hex(0xC8B44A);
 constexpr Colour REED_GREEN = hex(0x86A838);
 constexpr Colour PEAT = hex(0x6A5636);
 constexpr Colour POOL = hex(0x2A9CBC);
+constexpr Colour LILIES = hex(0xF8D2E0);
 constexpr Colour HEATH = hex(0xA89A6A);
 constexpr Colour ROCK = hex(0xDCA05C);
 constexpr Colour ROCK_DARK = hex(0x804C32);
@@ -29,8 +31,8 @@ constexpr Colour RED_ROCK[] = {hex(0xCE6234), hex(0xF0A864), hex(0xA84A30), hex(
 constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
 // Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
-constexpr Colour SNOW = {0.87f, 1.02f, 1.70f};
-constexpr Colour SNOW_SHADE = {0.70f, 0.96f, 1.25f};
+constexpr Colour SNOW = {0.89f, 1.01f, 2.00f};
+constexpr Colour SNOW_SHADE = {0.62f, 0.80f, 1.40f};
 
 constexpr float SNOW_LINE = 400;               // units
 constexpr float SNOWFIELD_DROP = 420;          // how much lower the snow begins in a snowfield
@@ -124,6 +126,9 @@ static Colour highlandColour(const Spot &spot)
     const float earth = fractal(spot.x / 310, spot.z / 310, 0, 3, 0.6f, layer(spot, 37));
     colour = mix(colour, RED_EARTH, 0.8f * soft(0.08f, 0.3f, earth + 0.15f * spot.grain));
     colour = mix(colour, MEADOW, 0.7f * soft(0.45f, 0.8f, spot.moisture));
+    const float pan = fractal(spot.x / 680, spot.z / 680, 0, 3, 0.5f, layer(spot, 44));
+    const float salt = soft(0.2f, 0.3f, pan + 0.05f * spot.rough) * soft(0.11f, 0.05f, spot.slope);
+    colour = mix(colour, SALT * (1 + 0.12f * spot.grain), 0.85f * salt);
     colour = mix(colour, WASH, 0.8f * soft(4, 12, spot.hollow + 4 * spot.rough));
     colour = mix(colour, redRock(spot), soft(0.13f, 0.25f, spot.slope + 0.04f * spot.rough));
     const Clump shrub = clumpAt(spot, 105, 24, 40);
@@ -159,7 +164,7 @@ static Colour marshColour(const Spot &spot)
     const float bed = soft(0.34f, 0.2f, braid + 0.35f * patch) * soft(0.25f, 0.12f, spot.slope);
     colour = mix(colour, reeds, 0.9f * bed);
     colour = mix(colour, PEAT, 0.8f * soft(2.1f, 1.3f, braid / CHANNEL_WIDTH));
-    const Colour pool = POOL * (1 + 0.2f * spot.grain);
+    const Colour pool = spot.grain > 0.475f ? LILIES : POOL * (1 + 0.2f * spot.grain);
     return mix(colour, pool, soft(1.3f, 0.8f, braid / CHANNEL_WIDTH));
 }
 
@@ -174,8 +179,9 @@ static float woodAt(const Spot &spot, float x, float z)
     const float wood = fractal(x / 900, z / 900, 0, 4, 0.6f, layer(spot, 60));
     const float *w = spot.weights;
     const float wanted = wood + 0.3f * (spot.moisture - 0.5f) +
-                         0.4f * soft(0.1f, 0.4f, spot.slope) + 0.62f * w[COUNTRY_FOREST] -
-                         0.8f * w[COUNTRY_HIGHLAND] - 0.1f * w[COUNTRY_MARSH];
+                         0.4f * soft(0.1f, 0.4f, spot.slope) + 0.62f * w[COUNTRY_FOREST] +
+                         0.12f * w[COUNTRY_SNOWFIELD] - 0.8f * w[COUNTRY_HIGHLAND] -
+                         0.1f * w[COUNTRY_MARSH];
     return soft(0.2f, 0.3f, wanted) *
            soft(TREE_LINE + 40, TREE_LINE - 30, spot.height + 50 * spot.rough);
 }
@@ -233,8 +239,9 @@ Colour snowColour(const Spot &spot)
     const float across = spot.z - 0.35f * spot.x;
     const float ripple = noiseAt(along / 330, across / 75, 0, layer(spot, 90)) +
                          0.6f * noiseAt(along / 150, across / 38, 0, layer(spot, 91));
-    const float light = spot.facing + 0.5f * ripple - spot.hollow / 60;
-    return mix(SNOW_SHADE, SNOW, soft(0.3f, 1.25f, light));
+    const float drift = fractal(along / 900, across / 420, 0, 2, 0.5f, layer(spot, 92));
+    const float light = spot.facing + 0.55f * ripple + 0.7f * drift - spot.hollow / 60;
+    return mix(SNOW_SHADE, SNOW, soft(0.3f, 1.2f, light));
 }
 
 static Colour snowy(Colour ground, const Spot &spot)

@@ -29,7 +29,7 @@ static Colour layerColour(const Spot &spot, float level)
     const auto colourOf = [&](int i)
     { return LAYERS[int(scatter(i, 1, layer(spot, 100)) * 5.99f)]; };
     const Colour colour = mix(colourOf(k), colourOf(k + 1), soft(0.75f, 1, up));
-    return colour * (0.25f + 1.0f * soft(0, 0.5f, up));
+    return colour * (0.25f + soft(0, 0.5f, up) * soft(1, 0.92f, up));
 }
 
 static Colour rockFace(const Spot &spot, float up, float broad)

@@ -83,8 +83,10 @@ float shadowOf(const Clump &clump)
 static Colour flowered(Colour grass, const Spot &spot)
 {
     const float drift = fractal(spot.x / 330, spot.z / 330, 0, 3, 0.55f, layer(spot, 10));
-    const float kind = noiseAt(spot.x / 620, spot.z / 620, 0, layer(spot, 14)) * 2.4f + 2.5f;
-    const Colour flower = FLOWERS[std::clamp(int(kind), 0, 4)];
+    const float kind = std::clamp(
+        2.0f + 2.4f * noiseAt(spot.x / 620, spot.z / 620, 0, layer(spot, 14)), 0.0f, 3.99f);
+    const Colour *first = FLOWERS + int(kind);
+    const Colour flower = mix(first[0], first[1], soft(0.4f, 0.6f, kind - std::floor(kind)));
     const float dense = soft(0.1f, 0.34f, drift);
     return mix(grass, flower, spot.grain < 0.2f * dense - 0.12f ? 0.75f * dense : 0.12f * dense);
 }
@@ -119,16 +121,20 @@ static Colour redRock(const Spot &spot)
     return mix(colourOf(band), colourOf(band + 1), blend) * (1 + 0.16f * spot.grain);
 }
 
-static Colour highlandColour(const Spot &spot)
+static Colour dryGround(const Spot &spot)
 {
     const float broad = fractal(spot.x / 600, spot.z / 600, 0, 4, 0.6f, layer(spot, 33));
     Colour colour = mix(STRAW, OCHRE, soft(-0.2f, 0.35f, broad + 0.3f * spot.grain));
     const float earth = fractal(spot.x / 310, spot.z / 310, 0, 3, 0.6f, layer(spot, 37));
     colour = mix(colour, RED_EARTH, 0.8f * soft(0.08f, 0.3f, earth + 0.15f * spot.grain));
-    colour = mix(colour, MEADOW, 0.7f * soft(0.45f, 0.8f, spot.moisture));
+    return mix(colour, MEADOW, 0.7f * soft(0.45f, 0.8f, spot.moisture));
+}
+
+static Colour highlandColour(const Spot &spot)
+{
     const float pan = fractal(spot.x / 680, spot.z / 680, 0, 3, 0.5f, layer(spot, 44));
     const float salt = soft(0.2f, 0.3f, pan + 0.05f * spot.rough) * soft(0.11f, 0.05f, spot.slope);
-    colour = mix(colour, SALT * (1 + 0.12f * spot.grain), 0.85f * salt);
+    Colour colour = mix(dryGround(spot), SALT * (1 + 0.12f * spot.grain), 0.85f * salt);
     colour = mix(colour, WASH, 0.8f * soft(4, 12, spot.hollow + 4 * spot.rough));
     colour = mix(colour, redRock(spot), soft(0.13f, 0.25f, spot.slope + 0.04f * spot.rough));
     const Clump shrub = clumpAt(spot, 105, 24, 40);
@@ -188,13 +194,13 @@ static float woodAt(const Spot &spot, float x, float z)
 
 static Colour crownColour(const Spot &spot, const Clump &tree)
 {
+    const float wet = spot.weights[COUNTRY_MARSH];
     const float kind = tree.pick + 0.5f * noiseAt(spot.x / 420, spot.z / 420, 0, layer(spot, 70));
-    const float wet = 0.5f * spot.weights[COUNTRY_MARSH];
-    if (spot.weights[COUNTRY_SNOWFIELD] > 0.4f)
-        return mix(SILVER_FIR, SNOW, 0.8f * soft(0, 0.5f, tree.sunward));
-    if (kind + wet > 1.04f)
-        return tree.pick > 0.93f && wet < 0.2f ? AUTUMN : BIRCH;
-    return kind > 0.5f ? FOREST_LIGHT * 1.15f : CONIFER;
+    const Colour dark = mix(CONIFER, FOREST_LIGHT * 1.15f, soft(0.45f, 0.55f, kind));
+    const Colour bright = mix(BIRCH, AUTUMN, tree.pick > 0.93f ? 1 - wet : 0);
+    const Colour leaves = mix(dark, bright, soft(1, 1.08f, kind + 0.5f * wet));
+    const Colour fir = mix(SILVER_FIR, SNOW, 0.8f * soft(0, 0.5f, tree.sunward));
+    return mix(leaves, fir, soft(0.3f, 0.5f, spot.weights[COUNTRY_SNOWFIELD]));
 }
 
 static Colour wooded(Colour ground, const Spot &spot)

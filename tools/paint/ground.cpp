@@ -75,7 +75,7 @@ static Colour lightAt(const Land &land, const Surroundings &around, const Spot &
     const float sun = 1 - SHADOW * around.shadow.at(x, z) * (1 - 0.6f * bright);
     const float shade = std::max(1 - spot.facing, 0.0f);
     const Colour light = SUNLIGHT * (0.62f * spot.facing * sun) + SKYLIGHT * sky +
-                         BOUNCE * ((1 - up) * (0.4f + shade));
+                         BOUNCE * ((1 - up) * (0.3f + 1.5f * shade));
     return light * mix(1, 2 / (1 + up),
                        STEEP_GAIN * (1 - land.cliff.at(
                                              x, z))); // the game lights by 1 + up, see docs/maps.md

@@ -31,15 +31,15 @@ constexpr Colour RED_ROCK[] = {hex(0xCE6234), hex(0xF0A864), hex(0xA84A30), hex(
 constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
 // Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
-constexpr Colour SNOW = {0.89f, 1.01f, 2.00f};
-constexpr Colour SNOW_SHADE = {0.62f, 0.80f, 1.40f};
+constexpr Colour SNOW = {0.84f, 0.98f, 2.20f};
+constexpr Colour SNOW_SHADE = {0.55f, 0.80f, 1.45f};
 
 constexpr float SNOW_LINE = 400;               // units
 constexpr float SNOWFIELD_DROP = 420;          // how much lower the snow begins in a snowfield
 constexpr float TREE_LINE = 330;               // units; no forest grows above it
 constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // from grass to bare rock, as rise per run
 constexpr float GULLY_DEPTH = 70; // units below the surroundings at which a gully is darkest
-constexpr float CROWN_CELL = 66;  // units from tree to tree in a wood
+constexpr float CROWN_CELL = 86;  // units from tree to tree in a wood
 constexpr float LONE_TREE_CELL = 240;
 constexpr float TREE_SHADOW = 45;       // units that a wood throws its shadow
 constexpr float BAND_HEIGHT = 21;       // of a layer of red rock
@@ -211,8 +211,8 @@ static Colour wooded(Colour ground, const Spot &spot)
     if (here <= 0)
         return ground;
     const Clump tree = clumpAt(spot, CROWN_CELL, 0.62f * CROWN_CELL, 61);
-    const float light = 0.95f + 0.5f * tree.sunward + 0.12f * spot.grain;
-    const Colour crown = crownColour(spot, tree) * std::clamp(light, 0.5f, 1.4f);
+    const float light = 0.95f + 0.62f * tree.sunward + 0.12f * spot.grain;
+    const Colour crown = crownColour(spot, tree) * std::clamp(light, 0.4f, 1.55f);
     const Colour floor = mix(UNDERWOOD, ground * 0.7f, spot.weights[COUNTRY_SNOWFIELD]);
     const Colour canopy = mix(floor, crown, soft(1.25f, 0.75f, tree.distance));
     return mix(ground, canopy, here);

@@ -1,13 +1,6 @@
 #include "canvas.h"
 
-#include "image.h"
-
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <libnoise/noise.h>
-#include <png.h>
-#include <string>
 
 float soft(float from, float to, float v)
 {
@@ -185,72 +178,4 @@ void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float st
 {
     fillShape(canvas, ends, halfWidth, colour, strength,
               [=](float x, float y) { return segmentDistance(x, y, ends) - halfWidth; });
-}
-
-static int writePng(const std::string &path, const std::vector<unsigned char> &bytes, int width,
-                    int height, int bytesPerPixel)
-{
-    png_image picture = {};
-    picture.version = PNG_IMAGE_VERSION;
-    picture.width = png_uint_32(width);
-    picture.height = png_uint_32(height);
-    picture.format = bytesPerPixel == 1   ? PNG_FORMAT_GRAY
-                     : bytesPerPixel == 3 ? PNG_FORMAT_RGB
-                                          : PNG_FORMAT_RGBA;
-    const int upsideDown = -width * bytesPerPixel; // PNG rows start at the top
-    return png_image_write_to_file(&picture, path.c_str(), 0, bytes.data(), upsideDown, nullptr);
-}
-
-static int saveBytes(const Output &output, const char *name,
-                     const std::vector<unsigned char> &bytes, int width, int height, int depth)
-{
-    const std::string stem = std::string(output.folder) + "/" + name;
-    unsigned char *pixels = static_cast<unsigned char *>(malloc(bytes.size()));
-    if (pixels)
-        memcpy(pixels, bytes.data(), bytes.size());
-    const int saved = pixels && tgaSave((stem + ".tga").c_str(), short(width), short(height),
-                                        static_cast<unsigned char>(depth), pixels) == 1;
-    if (!saved)
-        free(pixels);
-    if (saved && (!output.png || writePng(stem + ".png", bytes, width, height, depth / 8)))
-        return 1;
-    fprintf(stderr, "cannot write %s\n", stem.c_str());
-    return 0;
-}
-
-static unsigned char toByte(float channel)
-{
-    return static_cast<unsigned char>(std::clamp(channel, 0.0f, 1.0f) * 255.0f + 0.5f);
-}
-
-int saveColours(const Output &output, const char *name, const Grid<Colour> &canvas, int depth)
-{
-    std::vector<unsigned char> bytes;
-    bytes.reserve(canvas.cells.size() * size_t(depth / 8));
-    for (const Colour &c : canvas.cells)
-    {
-        bytes.insert(bytes.end(), {toByte(c.r), toByte(c.g), toByte(c.b)});
-        if (depth == 32)
-            bytes.push_back(255);
-    }
-    return saveBytes(output, name, bytes, canvas.width, canvas.height, depth);
-}
-
-int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys)
-{
-    return saveBytes(output, name, greys.cells, greys.width, greys.height, 8);
-}
-
-int saveIcon(const char *folder, const Grid<Paint> &icon)
-{
-    std::vector<unsigned char> bytes;
-    bytes.reserve(icon.cells.size() * 4);
-    for (const Paint &p : icon.cells)
-        bytes.insert(bytes.end(), {toByte(p.colour.r), toByte(p.colour.g), toByte(p.colour.b),
-                                   toByte(p.opacity)});
-    const std::string path = std::string(folder) + "/" + std::to_string(icon.width) + ".png";
-    if (writePng(path, bytes, icon.width, icon.height, 4))
-        return 1;
-    fprintf(stderr, "cannot write %s\n", path.c_str());
-    return 0;
 }

@@ -1,4 +1,4 @@
-// canvas.h - what all painters share: grids of numbers and colours, soft edges, noise, files.
+// canvas.h - what all painters share: grids of numbers and colours, soft edges, noise.
 // Colour components run from 0 to 1, which are 0 and 255 in the file. x runs to the right and y
 // upward, so row 0 is the bottom row.
 // Painters calculate with +, -, *, /, sqrt and floor only. These give the same result on every
@@ -135,17 +135,3 @@ void fillDisc(Canvas &canvas, float x, float y, float radius, Colour colour, flo
 void fillRing(Canvas &canvas, float x, float y, float radius, float halfWidth, Colour colour,
               float strength = 1);
 void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float strength = 1);
-
-struct Output
-{
-    const char *folder;
-    int png; // 1: write a PNG of each image too
-};
-
-// Write <folder>/<name>.tga: colours with 24 bits a pixel, or 32 with alpha 255; greys with 8 bits.
-// They return 1, or 0 after a line on standard error.
-int saveColours(const Output &output, const char *name, const Grid<Colour> &canvas, int depth = 24);
-int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys);
-// Writes <folder>/<width>.png with an alpha channel. Returns 1, or 0 after a line on standard
-// error.
-int saveIcon(const char *folder, const Grid<Paint> &icon);

@@ -251,9 +251,10 @@ static Canvas groundTile()
     return tile;
 }
 
-int paintGround(const Output &output, const Land &land)
+void paintGround(Images &images, const Land &land)
 {
     startStage("Colouring the land");
-    return saveColours(output, "MapTex", asImage(landColours(land)), 32) &&
-           saveColours(output, "TexNoise", groundTile());
+    addColours(images, "MapTex", asImage(landColours(land)), 32);
+    startStage("Weaving the texture of the ground");
+    addColours(images, "TexNoise", groundTile());
 }

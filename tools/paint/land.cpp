@@ -86,7 +86,7 @@ Land makeLand(uint32_t seed, int side)
     return land;
 }
 
-int paintLand(const Output &output, const Land &land)
+void paintLand(Images &images, const Land &land)
 {
-    return saveGreys(output, "Map", asImage(land.map));
+    addGreys(images, "Map", asImage(land.map));
 }

@@ -34,7 +34,7 @@ static Colour bronzeAt(float x, float y, float fromEdge)
     const float brushed = 0.05f * noiseAt((x + y) / 3, (x - y) / 50, 0, 541);
     const Colour sheet = mix(BRONZE, BRONZE_DARK, std::clamp(0.18f + 0.7f * worn, 0.0f, 0.8f));
     const float toInside = FRAME - fromEdge;
-    const bool lowerRight = FACE - y >= x;
+    const bool lowerRight = y < x;
     const float outer = soft(BEVEL, 0, fromEdge);
     const float inner = soft(BEVEL, 0, toInside);
     const Colour rim = mix(sheet, lowerRight ? BRONZE_DARK : BRONZE_LIGHT, 0.65f * outer);

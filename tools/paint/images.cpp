@@ -117,16 +117,16 @@ static std::string refusal(const char *what, const std::string &path)
     return std::string("cannot ") + what + " " + path + ": " + strerror(reason ? reason : EIO);
 }
 
-// tgaSave does not report a full disk: the length of the file does.
+// tgaSave does not report a full disk: the length of the file and the flush to the disk do.
 static bool isComplete(const std::string &path, size_t bytes)
 {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
     struct stat state = {};
-    const bool complete =
-        fstat(descriptor, &state) == 0 && size_t(state.st_size) == bytes && fsync(descriptor) == 0;
-    close(descriptor);
+    if (stat(path.c_str(), &state) != 0 || size_t(state.st_size) != bytes)
+        return false;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool complete = descriptor >= 0 && fsync(descriptor) == 0;
+    if (descriptor >= 0)
+        close(descriptor);
     return complete;
 }
 

@@ -18,7 +18,7 @@
 #include <optional>
 #include <sys/stat.h>
 
-constexpr int STAGES = 7; // that the painters start when a land needs no mending
+constexpr int STAGES = 12; // that the painters start when a land needs no mending
 
 constexpr int SMALLEST_SIDE = 351; // samples
 constexpr int LARGEST_SIDE = 1501;

@@ -87,7 +87,7 @@ keepsTheImagesWhenStopped()
         painter=$!
         until [[ -e two/.TexSkyBox.tga.part ]]; do sleep 0.1; done
         kill -s $signal $painter
-        [[ $signal == KILL ]] || cat two/.TexTank.tga.part >/dev/null
+        [[ $signal == KILL ]] || timeout 60 cat two/.TexTank.tga.part >/dev/null
         ! wait $painter || fail "the painter does not end by SIG$signal"
         [[ $signal == TERM ]] || rm two/.*.part # which nobody takes for an image
         diff <(echo "$before") <(content) || fail "SIG$signal leaves something behind"

@@ -55,8 +55,13 @@ paintsALandAndPlaysIt()
 {
     "$scratch/root/usr/games/tumbledown-land" "$scratch/a land" --side 351
     # shellcheck disable=SC2016 # the shell that is started expands it
-    playsInstalled "$scratch/root/usr/games/tumbledown" FOLDER="$scratch/a land" \
+    startGame "$scratch/root/usr/games/tumbledown" / FOLDER="$scratch/a land" \
         sh -c 'exec "$0" "$FOLDER"'
+    waitForPlay
+    grep -q 'Width: 351, height: 351' "$scratch/err" || fail "another land is played"
+    xdotool keydown Escape
+    expectOrderlyEnd quit.txt
+    xdotool keyup Escape
 }
 
 # Each line: the status, the arguments, and the only line that the launcher prints.

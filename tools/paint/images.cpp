@@ -200,7 +200,7 @@ std::string findFault(const std::string &folder)
         return refusal("make the folder", folder);
     const std::string path = temporaryPath(folder, "try");
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
-    const std::string fault = file < 0 ? refusal("write into the folder", folder) : "";
+    std::string fault = file < 0 ? refusal("write into the folder", folder) : "";
     if (file >= 0)
         close(file);
     unlink(path.c_str());

@@ -190,7 +190,7 @@ static Images paint(const Order &order)
 // The text as a shell reads it back as one word that is no option.
 static std::string quoted(const std::string &text)
 {
-    const std::string word = text[0] == '-' ? "./" + text : text;
+    std::string word = text[0] == '-' ? "./" + text : text;
     constexpr char PLAIN[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+";
     if (word.find_first_not_of(PLAIN) == std::string::npos)
         return word;

@@ -33,7 +33,7 @@ showsAWorldAndEnds() # once startGame has started it
     expectLines head "$scratch/expected"
 }
 
-# Starts the installed game in a folder without images.
+# Starts the launcher in a folder that has nothing to do with the game.
 playsInstalled() # LAUNCHER [COMMAND...], which runs the launcher
 {
     startGame "$1" / "${@:2}"

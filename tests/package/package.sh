@@ -1,12 +1,12 @@
 #!/bin/bash
-# package.sh - builds the Debian package, looks into it and plays what it installs.
+# package.sh - builds the Debian package, examines it and uses the commands that it installs.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 source tools/setup.sh
 # shellcheck source=tests/game/judge.sh
 source tests/game/judge.sh
 
-newestVersions() # of the program, the package, the list of changes and the metadata
+newestVersions() # of the program, the package, the changelog and the metadata
 {
     sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt
     dpkg-parsechangelog -l packaging/debian/changelog -S Version | sed 's/-[^-]*$//'
@@ -36,16 +36,19 @@ packageHasNoFault()
 
 describesItselfWithoutFault()
 {
-    [[ $(newestVersions | uniq -c) =~ ^\ *4\ [0-9.]+$ ]] || fail "which version is it?"
+    local page
+    [[ $(newestVersions | uniq -c) =~ ^\ *4\ [0-9.]+$ ]] || fail "the four versions differ"
     desktop-file-validate packaging/tumbledown.desktop
     metadataHasNoFault
-    [[ -z $(man --warnings -E UTF-8 -l packaging/tumbledown.6 2>&1 >/dev/null) ]] ||
-        fail "man has warnings for the manual page"
-    mandoc -T lint -W all packaging/tumbledown.6
+    for page in packaging/*.6; do
+        [[ -z $(man --warnings -E UTF-8 -l "$page" 2>&1 >/dev/null) ]] ||
+            fail "man has warnings for $page"
+        mandoc -T lint -W all "$page"
+    done
     packageHasNoFault
 }
 
-holdsWhatItShould()
+hasTheRightFiles()
 {
     diff tests/package/files.txt <(dpkg-deb -c "$package" | awk '!/^d/ { print $1, $2, $6 }')
     dpkg-deb -f "$package" Depends | grep -q 'libsdl1.2debian (.*) | libsdl1.2-compat-shim' ||
@@ -54,17 +57,53 @@ holdsWhatItShould()
 
 isHardened()
 {
-    local told word
-    dpkg-deb -x "$package" "$scratch/root"
-    told=$(readelf -Wd --dyn-syms "$scratch/root/usr/libexec/tumbledown/tumbledown")
-    for word in PIE NOW __stack_chk_fail __fprintf_chk; do
-        [[ $told == *"$word"* ]] || fail "the program is built without $word"
+    local program told word
+    for program in tumbledown tumbledown-land; do
+        told=$(readelf -Wd --dyn-syms "$scratch/root/usr/libexec/tumbledown/$program")
+        for word in PIE NOW __stack_chk_fail; do
+            [[ $told == *"$word"* ]] || fail "$program is built without $word"
+        done
     done
 }
 
 playsFromItsRoot()
 {
     playsInstalled "$scratch/root/usr/games/tumbledown"
+}
+
+paintsALandAndPlaysIt()
+{
+    "$scratch/root/usr/games/tumbledown-land" "$scratch/a land" --side 351
+    # shellcheck disable=SC2016 # the shell that is started expands it
+    startGame "$scratch/root/usr/games/tumbledown" / FOLDER="$scratch/a land" \
+        sh -c 'exec "$0" "$FOLDER"'
+    waitForPlay
+    grep -q 'Width: 351, height: 351' "$scratch/err" || fail "another land is played"
+    xdotool keydown Escape
+    expectOrderlyEnd quit.txt
+    xdotool keyup Escape
+}
+
+# Each line: the status, the arguments, and the only line that the launcher prints.
+refusesWhatCannotBePlayed()
+{
+    local status arguments line told
+    mkdir "$scratch/empty" "$scratch/bare"
+    cp data/Map.tga data/MapTex.tga data/TexCube.tga "$scratch/bare"
+    while IFS='|' read -r status arguments line; do
+        # shellcheck disable=SC2086 # words
+        told=$(cd "$scratch" && DISPLAY=:999 root/usr/games/tumbledown $arguments 2>&1;
+            echo "status $?")
+        diff <(echo "${line/SHIPPED/$scratch/root/usr/share/games/tumbledown}"; echo "status $status") \
+            <(echo "$told") || fail "tumbledown $arguments"
+    done <<'END'
+1||tumbledown: there is no display ':999' (from the variable DISPLAY)
+2|--windowed|tumbledown: unknown option '--windowed'; see --help
+2|bare empty|tumbledown: only one folder can be given; see --help
+2|nowhere|tumbledown: there is no folder 'nowhere'
+2|empty|tumbledown: there is no land in 'empty': Map.tga is missing
+2|bare|tumbledown: 'bare' lacks TexNoise.tga TexSkyBox.tga TexTank.tga; copy from SHIPPED what is missing
+END
 }
 
 isTheSameWhereverItIsBuilt()
@@ -84,14 +123,18 @@ playsFromAMovedPrefixThroughALink()
     ln -s "moved to here/bin/tumbledown" "$scratch/first"
     ln -s "$scratch/first" "$scratch/a link"
     playsInstalled "$scratch/a link"
+    [[ $("$scratch/moved to here/bin/tumbledown-land" --version) == tumbledown-land\ * ]] ||
+        fail "the painter of lands does not start from a moved prefix"
 }
 
 scratch=$(mktemp -d)
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
 openDisplay "$scratch"
 package=$(tools/package.sh | tail -n 1)
-for claim in describesItselfWithoutFault holdsWhatItShould isHardened playsFromItsRoot \
-    isTheSameWhereverItIsBuilt playsFromAMovedPrefixThroughALink; do
+dpkg-deb -x "$package" "$scratch/root"
+for claim in describesItselfWithoutFault hasTheRightFiles isHardened playsFromItsRoot \
+    paintsALandAndPlaysIt refusesWhatCannotBePlayed isTheSameWhereverItIsBuilt \
+    playsFromAMovedPrefixThroughALink; do
     echo "the package $claim"
     "$claim"
 done

@@ -1,13 +1,6 @@
 #include "canvas.h"
 
-#include "image.h"
-
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <libnoise/noise.h>
-#include <png.h>
-#include <string>
 
 float soft(float from, float to, float v)
 {
@@ -52,7 +45,7 @@ static int wrapped(int i, int period)
     return period > 0 ? (i % period + period) % period : i;
 }
 
-// libnoise hashes whole lattice points, so wrapping those makes its noise repeat.
+// libnoise hashes the whole coordinates of the lattice. Wrapping these makes the noise repeat.
 static float latticeNoise(float x, float y, int ix, int iy, int period, int seed)
 {
     const int wx = wrapped(ix, period);
@@ -92,7 +85,7 @@ float fractal(float x, float y, int period, int octaves, float gain, int seed)
 
 static Field blurredRows(const Field &field, int radius)
 {
-    Field result(field.height, field.width); // turned, so that a second call does the columns
+    Field result(field.height, field.width); // transposed: a second call blurs the columns
     for (int y = 0; y < field.height; ++y)
     {
         double sum = 0;
@@ -112,8 +105,36 @@ Field blurred(const Field &field, int radius)
     return blurredRows(blurredRows(field, radius), radius);
 }
 
-// Paints where distance(x, y), in units from the outline and negative inside, is below half a
-// texel; nothing of it lies more than reach outside the box.
+// One sweep over the grid in reading order, forward or backward, along rows.
+static void spreadDistance(Field &distance, int step)
+{
+    constexpr float DIAGONAL = 1.4f;
+    const int count = distance.width * distance.height;
+    for (int i = 0; i < count; ++i)
+    {
+        const int cell = step > 0 ? i : count - 1 - i;
+        const int x = cell % distance.width;
+        const int y = cell / distance.width;
+        float &here = distance.at(x, y);
+        here = std::min({here, distance.clamped(x - step, y) + 1, distance.clamped(x, y - step) + 1,
+                         distance.clamped(x - step, y - step) + DIAGONAL,
+                         distance.clamped(x + step, y - step) + DIAGONAL});
+    }
+}
+
+Field distanceTo(const Field &field, float low, float high)
+{
+    Field distance(field.width, field.height, 1e6f);
+    for (size_t i = 0; i < field.cells.size(); ++i)
+        if (field.cells[i] >= low && field.cells[i] <= high)
+            distance.cells[i] = 0;
+    spreadDistance(distance, 1);
+    spreadDistance(distance, -1);
+    return distance;
+}
+
+// Fills a shape that is given by distance(x, y), the distance from the shape's outline in units,
+// negative inside. The shape must lie within the box, made larger by `reach` units on all sides.
 template <typename Distance>
 static void fillShape(Canvas &canvas, Box box, float reach, Colour colour, float strength,
                       Distance distance)
@@ -156,72 +177,4 @@ void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float st
 {
     fillShape(canvas, ends, halfWidth, colour, strength,
               [=](float x, float y) { return segmentDistance(x, y, ends) - halfWidth; });
-}
-
-static int writePng(const std::string &path, const std::vector<unsigned char> &bytes, int width,
-                    int height, int bytesPerPixel)
-{
-    png_image picture = {};
-    picture.version = PNG_IMAGE_VERSION;
-    picture.width = png_uint_32(width);
-    picture.height = png_uint_32(height);
-    picture.format = bytesPerPixel == 1   ? PNG_FORMAT_GRAY
-                     : bytesPerPixel == 3 ? PNG_FORMAT_RGB
-                                          : PNG_FORMAT_RGBA;
-    const int upsideDown = -width * bytesPerPixel; // PNG rows start at the top
-    return png_image_write_to_file(&picture, path.c_str(), 0, bytes.data(), upsideDown, nullptr);
-}
-
-static int saveBytes(const Output &output, const char *name,
-                     const std::vector<unsigned char> &bytes, int width, int height, int depth)
-{
-    const std::string stem = std::string(output.folder) + "/" + name;
-    unsigned char *pixels = static_cast<unsigned char *>(malloc(bytes.size()));
-    if (pixels)
-        memcpy(pixels, bytes.data(), bytes.size());
-    const int saved = pixels && tgaSave((stem + ".tga").c_str(), short(width), short(height),
-                                        static_cast<unsigned char>(depth), pixels) == 1;
-    if (!saved)
-        free(pixels);
-    if (saved && (!output.png || writePng(stem + ".png", bytes, width, height, depth / 8)))
-        return 1;
-    fprintf(stderr, "cannot write %s\n", stem.c_str());
-    return 0;
-}
-
-static unsigned char toByte(float channel)
-{
-    return static_cast<unsigned char>(std::clamp(channel, 0.0f, 1.0f) * 255.0f + 0.5f);
-}
-
-int saveColours(const Output &output, const char *name, const Grid<Colour> &canvas, int depth)
-{
-    std::vector<unsigned char> bytes;
-    bytes.reserve(canvas.cells.size() * size_t(depth / 8));
-    for (const Colour &c : canvas.cells)
-    {
-        bytes.insert(bytes.end(), {toByte(c.r), toByte(c.g), toByte(c.b)});
-        if (depth == 32)
-            bytes.push_back(255);
-    }
-    return saveBytes(output, name, bytes, canvas.width, canvas.height, depth);
-}
-
-int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys)
-{
-    return saveBytes(output, name, greys.cells, greys.width, greys.height, 8);
-}
-
-int saveIcon(const char *folder, const Grid<Paint> &icon)
-{
-    std::vector<unsigned char> bytes;
-    bytes.reserve(icon.cells.size() * 4);
-    for (const Paint &p : icon.cells)
-        bytes.insert(bytes.end(), {toByte(p.colour.r), toByte(p.colour.g), toByte(p.colour.b),
-                                   toByte(p.opacity)});
-    const std::string path = std::string(folder) + "/" + std::to_string(icon.width) + ".png";
-    if (writePng(path, bytes, icon.width, icon.height, 4))
-        return 1;
-    fprintf(stderr, "cannot write %s\n", path.c_str());
-    return 0;
 }

@@ -1,7 +1,8 @@
-// canvas.h - what all painters share: grids of numbers and colours, soft edges, noise, writing out.
-// Colours run from 0 to 1 as they stand in the file; x runs right and y up, so row 0 is the bottom.
-// Only +, -, *, /, sqrt and floor are used, which round alike on every machine: the images must
-// come out the same to the byte wherever they are painted.
+// canvas.h - what all painters share: grids of numbers and colours, soft edges, noise.
+// Colour components run from 0 to 1, which are 0 and 255 in the file. x runs to the right and y
+// upward, so row 0 is the bottom row.
+// Painters calculate with +, -, *, /, sqrt and floor only. These give the same result on every
+// machine, so the images are the same wherever they are painted.
 #pragma once
 
 #include <algorithm>
@@ -43,7 +44,8 @@ template <typename T> struct Grid
     {
         return x >= 0 && y >= 0 && x < width && y < height;
     }
-    template <typename Function> void paint(Function colourAt) // of x and y, row by row
+    // Sets each cell to what the function returns for its x and y, row by row.
+    template <typename Function> void paint(Function colourAt)
     {
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
@@ -55,7 +57,7 @@ using Field = Grid<float>;
 
 struct Canvas : Grid<Colour>
 {
-    float unit; // texels per unit of the coordinates given to the functions that draw shapes
+    float unit; // texels per unit of the coordinates that the drawing functions take
 
     Canvas(int w, int h, float texelsPerUnit = 1, Colour fill = Colour())
         : Grid(w, h, fill), unit(texelsPerUnit)
@@ -63,7 +65,7 @@ struct Canvas : Grid<Colour>
     }
 };
 
-struct Box // or the two ends of a line
+struct Box // two opposite corners of a box, or the two ends of a line
 {
     float x0, y0, x1, y1;
 };
@@ -97,41 +99,39 @@ constexpr float square(float v)
     return v * v;
 }
 
-// 0 at from and before, 1 at to and beyond, an S between; from may be the larger one.
+// An S-shaped step: 0 where v has not reached `from`, 1 where v is past `to`, smooth in between.
+// If `from` is larger than `to`, the step falls with growing v.
 float soft(float from, float to, float v);
 float length(float x, float y);
-// v up to the shoulder, then ever more slowly toward the limit.
+// Returns v itself up to the shoulder. Above it the result grows ever more slowly and stays below
+// the limit.
 float pressed(float v, float shoulder, float limit);
 
+// The distance from a point to a line between two ends.
 float segmentDistance(float x, float y, Box ends);
 
-// 0 <= value < 1, a fixed scatter over the whole numbers.
+// A hash of the three numbers, as a random number: 0 <= value < 1.
 float scatter(int x, int y, int seed);
 
-// Gradient noise of about -1..1 with cells of size 1, which repeats every `period` cells along x
-// and y (0: never). The fractal adds octaves of half the size and `gain` times the strength each.
+// Gradient noise with values of about -1..1 and cells of size 1. It repeats after `period` cells
+// along x and along y, or never if the period is 0. The fractal adds octaves: each has cells of
+// half the size and `gain` times the strength of the octave before.
 float noiseAt(float x, float y, int period, int seed);
 float fractal(float x, float y, int period, int octaves, float gain, int seed);
 
-// The mean over a square of 2 * radius + 1 cells, the edge cells repeated outside the grid.
+// Each cell becomes the mean of a square with sides of 2 * radius + 1 cells around it. Outside the
+// grid the cells of its edge are repeated.
 Field blurred(const Field &field, int radius);
 
-// Shapes in the canvas's units, with edges one texel soft; strength 0..1 mixes the colour in.
+// For each cell the distance, in cells, to the nearest cell whose value lies from low to high.
+// Diagonal steps are 1.4 cells long, so distances are up to 8 % too long. The distance is huge if
+// no cell has such a value.
+Field distanceTo(const Field &field, float low, float high);
+
+// Shapes in the canvas's units. Their edges are blurred over one texel. The strength, 0..1, tells
+// how much of the colour is mixed into the canvas.
 void fillBox(Canvas &canvas, Box box, Colour colour, float strength = 1);
 void fillDisc(Canvas &canvas, float x, float y, float radius, Colour colour, float strength = 1);
 void fillRing(Canvas &canvas, float x, float y, float radius, float halfWidth, Colour colour,
               float strength = 1);
 void drawLine(Canvas &canvas, Box ends, float halfWidth, Colour colour, float strength = 1);
-
-struct Output
-{
-    const char *folder;
-    int png; // 1: write a PNG beside each TGA
-};
-
-// Write <folder>/<name>.tga with 24 or 32 bits (alpha 255), or 8 bits for greys of 0 to 255.
-// Return 1, or 0 after a line on standard error.
-int saveColours(const Output &output, const char *name, const Grid<Colour> &canvas, int depth = 24);
-int saveGreys(const Output &output, const char *name, const Grid<unsigned char> &greys);
-// Writes <folder>/<width>.png with an alpha channel; returns the same.
-int saveIcon(const char *folder, const Grid<Paint> &icon);

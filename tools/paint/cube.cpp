@@ -1,13 +1,14 @@
-// The cube's face: worn stone in a bronze frame, with an arrow that tells up from down.
+// The face of the cube: worn stone in a bronze frame, with an arrow that points up.
 #include "painters.h"
+#include "progress.h"
 
 constexpr int FACE = 512;   // texels along an edge
 constexpr float FRAME = 58; // width of the bronze
-constexpr float BEVEL = 9;  // of its edges
-constexpr float GROOVE = 5; // between bronze and stone
+constexpr float BEVEL = 9;  // width of the bevel along both edges of the bronze
+constexpr float GROOVE = 5; // width of the groove between bronze and stone
 constexpr float RIVET = 11; // radius
 
-constexpr Colour STONE = hex(0xFFF6E2); // the game halves the brightness
+constexpr Colour STONE = hex(0xFFF6E2); // bright, since the game shows half of the brightness
 constexpr Colour STONE_DARK = hex(0xD8C49E);
 constexpr Colour BRONZE = hex(0xFFB84C);
 constexpr Colour BRONZE_DARK = hex(0x965820);
@@ -26,14 +27,14 @@ static Colour stoneAt(float x, float y)
     return mix(colour * (1 + 0.05f * pits), STONE_DARK * 0.8f, 0.6f * soft(0.38f, 0.6f, pits));
 }
 
-// Lit from the upper left, as if pressed out of the sheet.
+// The frame looks raised and lit from the upper left: edges that face the light are light.
 static Colour bronzeAt(float x, float y, float fromEdge)
 {
     const float worn = fractal(x / 60, y / 60, 0, 4, 0.6f, 531);
     const float brushed = 0.05f * noiseAt((x + y) / 3, (x - y) / 50, 0, 541);
     const Colour sheet = mix(BRONZE, BRONZE_DARK, std::clamp(0.18f + 0.7f * worn, 0.0f, 0.8f));
     const float toInside = FRAME - fromEdge;
-    const int lowerRight = FACE - y < x ? 0 : 1;
+    const bool lowerRight = y < x;
     const float outer = soft(BEVEL, 0, fromEdge);
     const float inner = soft(BEVEL, 0, toInside);
     const Colour rim = mix(sheet, lowerRight ? BRONZE_DARK : BRONZE_LIGHT, 0.65f * outer);
@@ -62,7 +63,7 @@ static void paintRivets(Canvas &face)
     }
 }
 
-// An arrow of two strokes over a bar, all of one width.
+// Three strokes of the same width: a shaft and the two wings of the head.
 static void paintArrow(Canvas &face, float drop, float halfWidth, Colour colour)
 {
     const float middle = FACE / 2.0f;
@@ -120,7 +121,8 @@ Canvas makePlainCubeFace()
     return face;
 }
 
-int paintCube(const Output &output)
+void paintCube(Images &images)
 {
-    return saveColours(output, "TexCube", makeCubeFace());
+    startStage("Painting the cube");
+    addColours(images, "TexCube", makeCubeFace());
 }

@@ -1,74 +1,49 @@
-// The land's colours with the sun baked in, and the texture repeated over it.
-#include "land.h"
+// The land's colours with the sun painted into them, and the texture that is repeated over them.
+#include "ground.h"
+
 #include "painters.h"
+#include "progress.h"
 
-// The game lights the land dimly and from the eye, adds a broad white sheen where one looks down on
-// it and multiplies with TexNoise: the colours here are bright and fuller than they will look.
-constexpr Colour MEADOW = hex(0x7DB51A);
-constexpr Colour LUSH = hex(0x3C961A);
-constexpr Colour DRY_GRASS = hex(0xD8B432);
-constexpr Colour FOREST = hex(0x24601A);
-constexpr Colour FOREST_LIGHT = hex(0x4F8A2A);
-constexpr Colour ROCK = hex(0xDCA05C);
-constexpr Colour ROCK_DARK = hex(0x804C32);
-constexpr Colour SCREE = hex(0xCFAE62);
-constexpr Colour SNOW = hex(0xE4F0FF);
-constexpr Colour SAND = hex(0xE6CC86);
-constexpr Colour SHALLOWS = hex(0x22BCC4);
-constexpr Colour DEEP_WATER = hex(0x0048B8);
-constexpr Colour TRACK = hex(0xD9B57A);
-constexpr Colour ROOFS[] = {hex(0xF03A18), hex(0xF86A20), hex(0xC82A20), hex(0xF4D8A0)};
-constexpr Colour YARD = hex(0xCDB68A);
-constexpr Colour CROPS[] = {hex(0xE2C23C), hex(0x86B82A), hex(0xB98A4A),
-                            hex(0x5C9A26), hex(0xD8A640), hex(0x9CC43A)};
-constexpr Colour HEDGE = hex(0x3E6E22);
-constexpr Colour FLOWERS[] = {hex(0xFFE93A), hex(0xFFA23A), hex(0xE6F27A)};
-
-constexpr float SUN[] = {0.62f, 0.58f, 0.53f}; // toward the sun, along x, y, z: left and ahead
 constexpr Colour SUNLIGHT = {0.84f, 0.80f, 0.70f};
 constexpr Colour SKYLIGHT = {0.56f, 0.58f, 0.64f};
-constexpr float SUN_RELIEF = 1.7f;     // slopes are lit as if so much steeper
+constexpr Colour BOUNCE = {0.36f, 0.32f, 0.29f}; // light from the ground and water on steep slopes
+constexpr float SUN_RELIEF = 1.7f;               // slopes are lit as if so much steeper
 constexpr float OCCLUSION_DEPTH = 230; // units below the surroundings at which no sky would be seen
+constexpr float SHADOW_RELIEF = 1.25f; // shadows are as long as if the land were so much higher
+constexpr int SHADOW_STEPS = 40;       // samples that a shadow reaches at most
+constexpr float PENUMBRA = 35;         // units below the edge of a shadow where it is full
+constexpr float SHADOW = 0.55f;        // share of the sunlight that a full shadow takes
+constexpr float LEAST_SKY = 0.55f;     // of the skylight, in the deepest valley
+constexpr float CLIFF_SKY = 0.95f;     // and on the cliff and the water below it
+constexpr float STEEP_GAIN = 0.45f; // how much of the game's dimming of steep slopes is made good
 
 constexpr float SHOULDER = 0.82f; // brighter than this is pressed below 1, not cut off
-constexpr float SNOW_LINE = 400;
-constexpr float TREE_LINE = 330;
-constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // from grass to bare rock, as rise per run
-constexpr float GULLY_DEPTH = 70;              // gullies darken and crests shine in this measure
-constexpr float FIELD_LENGTH = 150;            // units
-constexpr float FIELD_WIDTH = 100;
-constexpr int HOUSE_SPACING = 4; // samples from house to house
-
-constexpr Colour CLIFF = hex(0xD0A27A);
-constexpr Colour CLIFF_DARK = hex(0x4E3A38);
-constexpr Colour LEDGE = hex(0x5E9A26);
-constexpr float CLIFF_LIGHT = 0.9f; // share of the sky that its foot sees: the fjord shines back
-constexpr float CLIFF_SHADE = 0.7f; // its foot is less steep, and the game's sheen pales it
-constexpr Box WATERFALLS[] = {
-    {-6200, 1500, -5300, 1500}, {-6200, -2900, -5300, -2900}, {6200, -1700, 5300, -1700},
-    {6200, 900, 5300, 900},     {6200, 3900, 5300, 3900},     {-2600, 6200, -2600, 5300},
-    {900, 6200, 900, 5300},     {3500, 6200, 3500, 5300},     {-3800, -6200, -3800, -5300},
-    {-350, -6200, -350, -5300}, {2700, -6200, 2700, -5300}};
+constexpr Colour TRACK = hex(0xD9B57A);
+constexpr Colour SNOWY_TRACK = hex(0xC4B8AC);
+constexpr float BORDER_BEND = 34; // samples by which noise bends the borders of countries, at most
+constexpr float BORDER_FRAY = 0.8f; // strength of the noise that frays them
+constexpr int BROAD = 8;            // samples, over which the share of open water is taken
 
 constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
-constexpr float NOISE_MEAN = 0.945f;
+constexpr float NOISE_MEAN = 0.955f;
 constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 30 to 60 units
 constexpr float NOISE_TUFT = 0.085f;                 // of 8 to 15 units
 constexpr float NOISE_BLADE = 0.06f;                 // of 2 to 4 units; more would shimmer far away
 constexpr int NOISE_STROKES = 6500;                  // stems and chips of stone
-constexpr float NOISE_STROKE = 0.14f;                // how far one is lighter or darker
-constexpr Colour NOISE_TINT = {1.0f, 0.985f, 0.87f}; // a warm cast, against the white sheen
+constexpr float NOISE_STROKE = 0.11f;                // how far one is lighter or darker
+constexpr Colour NOISE_TINT = {1.0f, 0.985f, 0.94f}; // a warm cast, against the white sheen
 
 namespace
 {
-struct Spot // what a sample looks like before it is lit
+struct Surroundings // what a sample's look depends on beside its own height
 {
-    float x, z; // world
-    float height;
-    float slope;    // rise per run
-    float hollow;   // units below the surroundings
-    float rough;    // noise, about -1..1
-    float moisture; // 0 dry .. 1 wet
+    int seed;           // of this land's noise
+    Field level;        // mean height near by
+    Field country;      // and of the whole country
+    Field moisture;     // 0 dry .. 1 wet
+    Field shore, depth; // units to the nearest water, and in the water to the nearest shore
+    Field open;         // share of water near by
+    Field shadow;       // that the land throws: 0 none .. 1 full
 };
 } // namespace
 
@@ -82,143 +57,51 @@ static Colour normalOf(const Field &height, int x, int z, float relief)
     return {-dx / size, up / size, -dz / size};
 }
 
-// Open sky lights the tops fully; what lies below its surroundings sees less of it.
-static Colour lightAt(const Land &land, const Field &surroundings, int x, int z)
+// Sunlight on a slope: 1 on level ground.
+static float facingOf(Colour n)
 {
-    const float below = surroundings.at(x, z) - land.height.at(x, z);
-    const float least = mix(0.5f, CLIFF_LIGHT, land.cliff.at(x, z));
-    const float sky = std::clamp(0.92f - below / OCCLUSION_DEPTH, least, 1.0f);
-    const Colour n = normalOf(land.height, x, z, SUN_RELIEF);
-    const float facing = std::max(n.r * SUN[0] + n.g * SUN[1] + n.b * SUN[2], 0.0f) / SUN[1];
-    return SUNLIGHT * (0.62f * std::min(facing, 1.5f)) + SKYLIGHT * sky;
+    return std::clamp((n.r * SUN[0] + n.g * SUN[1] + n.b * SUN[2]) / SUN[1], 0.0f, 1.5f);
 }
 
-static float forestCover(const Spot &spot)
+// Tops see the whole sky. Places below their surroundings see less of it. Steep slopes also get
+// light from the ground before them, which matters where the sun does not reach.
+static Colour lightAt(const Land &land, const Surroundings &around, const Spot &spot, int x, int z)
 {
-    const float wood = fractal(spot.x / 900, spot.z / 900, 0, 4, 0.55f, 211);
-    const float wanted =
-        wood + 0.45f * (spot.moisture - 0.5f) + 0.8f * soft(0.1f, 0.4f, spot.slope);
-    const float plain = soft(250, 1100, length(spot.x, (spot.z - 700) * 0.55f));
-    return soft(0.14f, 0.26f, wanted - 0.5f * (1 - plain)) *
-           soft(TREE_LINE + 40, TREE_LINE - 30, spot.height + 50 * spot.rough);
+    const float below = around.country.at(x, z) - spot.height;
+    const float bright = std::max(land.cliff.at(x, z), land.water.at(x, z));
+    const float sky =
+        std::clamp(0.92f - below / OCCLUSION_DEPTH, mix(LEAST_SKY, CLIFF_SKY, bright), 1.0f);
+    const float up = 1 / std::sqrt(1 + square(spot.slope));
+    const float sun = 1 - SHADOW * around.shadow.at(x, z) * (1 - 0.6f * bright);
+    const float shade = std::max(1 - spot.facing, 0.0f);
+    const Colour light = SUNLIGHT * (0.62f * spot.facing * sun) + SKYLIGHT * sky +
+                         BOUNCE * ((1 - up) * (0.3f + 1.5f * shade));
+    return light * mix(1, 2 / (1 + up),
+                       STEEP_GAIN * (1 - land.cliff.at(
+                                             x, z))); // the game lights by 1 + up, see docs/maps.md
 }
 
-// Flowers where the meadow is dense, lone trees and bushes anywhere.
-static Colour sprinkled(Colour colour, const Spot &spot, float grain)
+// How deep each sample lies in the shadow that the land throws: 0 none .. 1 full.
+static Field shadowsOf(const Field &height)
 {
-    const float patch = fractal(spot.x / 260, spot.z / 260, 0, 2, 0.5f, 261);
-    if (grain > 0.978f && spot.height < TREE_LINE)
-        return FOREST;
-    const int kind = int(scatter(int(spot.x) / 400, int(spot.z) / 400, 6) * 2.99f);
-    return mix(colour, FLOWERS[kind], grain < 0.16f ? 0.6f * soft(0.12f, 0.3f, patch) : 0.0f);
-}
-
-static Colour wildColour(const Spot &spot)
-{
-    const float grain = scatter(int(spot.x), int(spot.z), 5) - 0.5f;
-    const float broad = fractal(spot.x / 700, spot.z / 700, 0, 4, 0.6f, 221);
-    Colour colour = mix(MEADOW, LUSH, soft(0.35f, 0.75f, spot.moisture + 0.5f * broad));
-    const float dry = soft(0.05f, 0.45f, broad - spot.moisture * 0.35f + spot.height / 1300);
-    colour = mix(colour, DRY_GRASS, 0.85f * dry) * (1 + 0.12f * spot.rough + 0.14f * grain);
-    colour = sprinkled(colour, spot, grain + 0.5f);
-    const Colour trees = mix(FOREST, FOREST_LIGHT, std::clamp(0.45f + 1.3f * grain, 0.0f, 1.0f));
-    colour = mix(colour, trees, forestCover(spot));
-    const float bare = spot.slope + 0.10f * spot.rough + soft(300, 480, spot.height) * 0.22f;
-    const float strata = 0.55f + 0.8f * noiseAt(spot.height / 17, spot.rough * 1.2f, 0, 231);
-    const Colour rock = mix(ROCK_DARK, ROCK, std::clamp(strata + 0.6f * grain, 0.0f, 1.0f));
-    colour = mix(colour, SCREE * (1 + 0.2f * grain), soft(0.26f, 0.42f, bare));
-    colour = mix(colour, rock, soft(ROCK_SLOPE[0], ROCK_SLOPE[1], bare + 0.1f * grain));
-    const float snow = spot.height + 45 * spot.rough + 0.8f * spot.hollow - 70 * spot.slope;
-    colour = colour * (1 - std::clamp(spot.hollow / GULLY_DEPTH, -0.22f, 0.30f));
-    return mix(colour, SNOW, soft(SNOW_LINE - 14, SNOW_LINE + 14, snow));
-}
-
-// From the scree at the foot over woods and ledges to bare rock and snow; what runs up and down the
-// cliff depends on the place along the coast alone.
-static Colour cliffColour(const Spot &spot)
-{
-    const float along = std::min(std::fabs(spot.x), std::fabs(spot.z));
-    const float drift = (spot.x + 2 * spot.z) / 2500;
-    const float rib =
-        noiseAt(along / 90, drift, 0, 271) + 0.6f * noiseAt(along / 48, drift, 0, 272);
-    const float broad = fractal(along / 700, drift, 0, 3, 0.7f, 273);
-    const float grain = scatter(int(spot.x), int(spot.z), 5) - 0.5f;
-    const float up = (spot.height - WATER_LEVEL) / (HEIGHT_RANGE - WATER_LEVEL);
-    const float strata = noiseAt(spot.height / 75 + 3 * broad, drift * 3, 0, 274);
-    const float bright = std::clamp(0.5f + 0.6f * strata + 0.7f * rib + 0.3f * grain, 0.0f, 1.0f);
-    Colour colour = mix(CLIFF_DARK, CLIFF, bright);
-    const float ledge = soft(0.1f, 0.4f, strata - 0.5f * rib) * soft(0.85f, 0.6f, up);
-    colour = mix(colour, LEDGE * (1 + 0.3f * grain), 0.8f * ledge);
-    const float woods = 0.34f + 0.8f * broad + 0.25f * rib;
-    const Colour trees = mix(FOREST, FOREST_LIGHT, std::clamp(0.4f + 1.2f * grain, 0.0f, 1.0f));
-    colour = mix(colour, trees, soft(woods + 0.1f, woods - 0.1f, up));
-    const float scree = up + 0.06f * rib - 0.12f * broad;
-    colour = mix(colour, SCREE * (1 + 0.2f * grain), 0.8f * soft(0.07f, 0.02f, scree));
-    const float snow = up - 0.2f * rib - 0.5f * broad;
-    colour = mix(colour, SNOW, soft(0.68f, 0.76f, snow));
-    return colour * mix(CLIFF_SHADE, 1, soft(0, 0.5f, up)) * (1 + 0.16f * rib);
-}
-
-static float waterfallAt(const Spot &spot)
-{
-    float nearest = HALF_LAND;
-    for (const Box &fall : WATERFALLS)
-        nearest = std::min(nearest, segmentDistance(spot.x, spot.z, fall));
-    return soft(34, 12, nearest + 8 * spot.rough);
-}
-
-static Colour waterColour(const Field &water, int x, int z)
-{
-    float inside = 0; // how far the surroundings are water too
-    for (int k = 0; k < 9; ++k)
-        inside += water.clamped(x + (k % 3 - 1) * 5, z + (k / 3 - 1) * 5) / 9;
-    const float ripple = 0.06f * noiseAt(toWorld(x) / 90, toWorld(z) / 40, 0, 241);
-    return mix(SHALLOWS, DEEP_WATER, soft(0.3f, 1, inside) * 0.9f) * (1 + ripple);
-}
-
-// Strips of crops about a village, in blocks that each run their own way.
-static void farm(Colour &colour, const Place &place, const Spot &spot)
-{
-    const float dx = spot.x - place.x;
-    const float dz = spot.z - place.z;
-    const float d =
-        length(dx, dz) * (1 + 0.35f * fractal(spot.x / 350, spot.z / 350, 0, 2, 0.5f, 251));
-    if (d > place.radius * 3 || d < place.radius * 0.8f || spot.slope > 0.3f)
-        return;
-    const int turned = scatter(int(std::floor(dx / 310)), int(std::floor(dz / 310)), 9) > 0.5f;
-    const float skew = 0.18f * (turned ? dx : dz); // boundaries lean a little
-    const float u = (turned ? dz : dx) + skew;
-    const float v = (turned ? dx : dz) - skew;
-    const int i = int(std::floor(u / FIELD_WIDTH));
-    const int k = int(std::floor(v / FIELD_LENGTH)) + 100 * turned;
-    const float pick = scatter(i, k, int(place.x));
-    if (pick > 0.86f)
-        return; // lies fallow
-    const float edge =
-        std::min(u - float(i) * FIELD_WIDTH, v - std::floor(v / FIELD_LENGTH) * FIELD_LENGTH);
-    const float furrow = scatter(int(std::floor(u / SPACING)), k, 3) - 0.5f;
-    const Colour crop = CROPS[int(pick * 6.97f)] * (1 + 0.16f * furrow);
-    colour = mix(edge < SPACING ? HEDGE : crop, colour, soft(0.22f, 0.3f, spot.slope));
-}
-
-static Colour bareGround(const Land &land, const Spot &spot, int x, int z)
-{
-    const float cliff = land.cliff.at(x, z);
-    Colour colour = mix(wildColour(spot), cliffColour(spot), cliff);
-    colour = mix(colour, SNOW, 0.9f * cliff * waterfallAt(spot));
-    for (const Place &place : PLACES)
-    {
-        farm(colour, place, spot);
-        const float d = length(spot.x - place.x, spot.z - place.z) + 40 * spot.rough;
-        colour = mix(colour, YARD, 0.75f * soft(place.radius * 0.9f, place.radius * 0.5f, d));
-    }
-    const float beach =
-        soft(WATER_LEVEL + 20, WATER_LEVEL + 7, spot.height + 6 * spot.rough) * (1 - cliff);
-    colour = mix(colour, SAND, beach);
-    colour = mix(colour, TRACK * (1 + 0.06f * spot.rough), 0.9f * land.track.at(x, z));
-    const float water = land.water.at(x, z);
-    const float ford = 0.5f * land.track.at(x, z);
-    return mix(colour, waterColour(land.water, x, z), std::max(water - ford, 0.0f));
+    Field shadow(height.width, height.height);
+    const float level = length(SUN[0], SUN[2]);
+    const float rise = SUN[1] / level * SPACING / SHADOW_RELIEF; // of a ray, from sample to sample
+    shadow.paint(
+        [&](int x, int z)
+        {
+            float above = 0; // of the land over the ray toward the sun, in units
+            for (int k = 1; k <= SHADOW_STEPS; ++k)
+            {
+                const float way = float(k) / level;
+                const float ray = height.at(x, z) + rise * float(k);
+                const float land =
+                    height.clamped(x + int(SUN[0] * way + 0.5f), z + int(SUN[2] * way + 0.5f));
+                above = std::max(above, (land - ray) / (1 + 0.06f * float(k)));
+            }
+            return soft(0, PENUMBRA, above);
+        });
+    return blurred(shadow, 1);
 }
 
 static Field moistureOf(const Land &land)
@@ -233,70 +116,96 @@ static Field moistureOf(const Land &land)
     return near;
 }
 
-static Spot spotAt(const Land &land, const Field &level, const Field &moisture, int x, int z)
+static Surroundings surroundingsOf(const Land &land)
+{
+    return {noiseSeed(land.seed, 1000) % 100000, // libnoise multiplies seeds by a thousand
+            blurred(blurred(land.height, 4), 4),
+            blurred(blurred(land.height, 10), 10),
+            moistureOf(land),
+            distanceTo(land.water, 0.5f, 1),
+            distanceTo(land.water, 0, 0.5f),
+            blurred(land.water, BROAD),
+            shadowsOf(land.height)};
+}
+
+// Noise bends the borders between countries and frays them over some samples.
+static void shareCountries(Spot &spot, const Land &land, int x, int z)
+{
+    const float bendX = fractal(spot.x / 1700, spot.z / 1700, 0, 3, 0.5f, layer(spot, 210));
+    const float bendZ = fractal(spot.x / 1700, spot.z / 1700, 0, 3, 0.5f, layer(spot, 215));
+    const int fromX = x + int(std::floor(BORDER_BEND * bendX + 0.5f));
+    const int fromZ = z + int(std::floor(BORDER_BEND * bendZ + 0.5f));
+    float sum = 0;
+    for (int k = 0; k < COUNTRIES; ++k)
+    {
+        const float weight = land.country[size_t(k)].clamped(fromX, fromZ);
+        const float fray =
+            weight > 0.02f && weight < 0.98f
+                ? fractal(spot.x / 520, spot.z / 520, 0, 4, 0.65f, layer(spot, 180 + 5 * k))
+                : 0;
+        const float share = weight + BORDER_FRAY * fray * 4 * weight * (1 - weight);
+        spot.weights[k] = square(square(std::max(share, 0.0f)));
+        sum += spot.weights[k];
+    }
+    for (float &weight : spot.weights)
+        weight = sum > 0 ? weight / sum : 1.0f / COUNTRIES;
+}
+
+static Spot spotAt(const Land &land, const Surroundings &around, int x, int z)
 {
     const Colour n = normalOf(land.height, x, z, 1);
-    const float wx = toWorld(x);
-    const float wz = toWorld(z);
-    return {wx,
-            wz,
-            land.height.at(x, z),
-            length(n.r, n.b) / n.g,
-            level.at(x, z) - land.height.at(x, z),
-            2 * fractal(wx / 210, wz / 210, 0, 3, 0.6f, 201),
-            moisture.at(x, z)};
+    Spot spot = {};
+    spot.seed = around.seed;
+    spot.x = land.toWorld(x);
+    spot.z = land.toWorld(z);
+    spot.height = land.height.at(x, z);
+    spot.slope = length(n.r, n.b) / n.g;
+    spot.facing = facingOf(normalOf(land.height, x, z, SUN_RELIEF));
+    spot.hollow = around.level.at(x, z) - spot.height;
+    spot.rough = 2 * fractal(spot.x / 210, spot.z / 210, 0, 3, 0.6f, layer(spot, 170));
+    spot.grain = scatter(x, z, layer(spot, 175)) - 0.5f;
+    spot.moisture = around.moisture.at(x, z);
+    spot.shore = around.shore.at(x, z) * SPACING;
+    spot.depth = around.depth.at(x, z) * SPACING;
+    spot.open = around.open.at(x, z);
+    shareCountries(spot, land, x, z);
+    return spot;
 }
 
-// A roof covers three samples by three, brighter on the side toward the sun, with its shadow
-// behind.
-static void buildHouse(Canvas &colours, int x, int z, Colour roof)
+static Colour groundColour(const Land &land, const Spot &spot, int x, int z)
 {
-    constexpr float SHADE = 0.55f;
-    for (int k = 0; k < 4; ++k)
+    const float cliff = land.cliff.at(x, z);
+    Colour colour = {};
+    if (cliff < 1)
     {
-        colours.at(x - 1, z - 1 + k) = colours.at(x - 1, z - 1 + k) * SHADE;
-        colours.at(x - 1 + k, z - 1) = colours.at(x - 1 + k, z - 1) * SHADE;
+        colour = farmColour(wildColour(spot), spot, land.villages);
+        colour = shoreColour(colour, spot);
     }
-    for (int k = 0; k < 9; ++k)
-        colours.at(x + k % 3, z + k / 3) = roof * (k % 3 == 0 ? 0.78f : 1.1f);
-}
-
-static void build(Canvas &colours, const Land &land)
-{
-    for (const Place &place : PLACES)
-        for (int k = -12; k <= 12; ++k)
-            for (int i = -12; i <= 12; ++i)
-            {
-                const int seed = int(place.x);
-                const int x = int((place.x + HALF_LAND) / SPACING) + HOUSE_SPACING * i +
-                              int(scatter(i, k, seed) * 2);
-                const int z = int((place.z + HALF_LAND) / SPACING) + HOUSE_SPACING * k +
-                              int(scatter(k, i, seed) * 2);
-                const float d = length(toWorld(x) - place.x, toWorld(z) - place.z);
-                float taken = d > place.radius || scatter(i, k, seed + 1) > 0.8f;
-                for (int n = 0; n < 9; ++n)
-                    taken +=
-                        land.track.at(x + n % 3, z + n / 3) + land.water.at(x + n % 3, z + n / 3);
-                if (taken < 0.5f)
-                    buildHouse(colours, x, z, ROOFS[int(scatter(i, k, seed + 2) * 3.99f)]);
-            }
+    if (cliff > 0)
+        colour = mix(colour, cliffColour(spot), cliff);
+    const Colour track = mix(TRACK, SNOWY_TRACK, spot.weights[COUNTRY_SNOWFIELD]);
+    colour = mix(colour, track * (1 + 0.06f * spot.rough), 0.9f * land.track.at(x, z));
+    const float ford = 0.5f * land.track.at(x, z);
+    const float water = std::max(land.water.at(x, z) - ford, 0.0f);
+    if (water > 0)
+        colour = mix(colour, waterColour(spot), water);
+    const float spray = 0.95f + 0.25f * spot.grain;
+    return mix(colour, FOAM, std::clamp(land.fall.at(x, z) * spray, 0.0f, 1.0f));
 }
 
 static Canvas landColours(const Land &land)
 {
-    Canvas colours(LAND_SIDE, LAND_SIDE);
-    const Field level = blurred(blurred(land.height, 4), 4);
-    const Field surroundings = blurred(blurred(land.height, 10), 10);
-    const Field moisture = moistureOf(land);
+    Canvas colours(land.side(), land.side());
+    const Surroundings around = surroundingsOf(land);
     colours.paint(
         [&](int x, int z)
         {
-            const Spot spot = spotAt(land, level, moisture, x, z);
-            const Colour lit = bareGround(land, spot, x, z) * lightAt(land, surroundings, x, z);
+            const Spot spot = spotAt(land, around, x, z);
+            const Colour lit = groundColour(land, spot, x, z) * lightAt(land, around, spot, x, z);
             return Colour{pressed(lit.r, SHOULDER, 1), pressed(lit.g, SHOULDER, 1),
                           pressed(lit.b, SHOULDER, 1)};
         });
-    build(colours, land);
+    buildHouses(colours, land);
     return colours;
 }
 
@@ -342,8 +251,10 @@ static Canvas groundTile()
     return tile;
 }
 
-int paintGround(const Output &output, const Land &land)
+void paintGround(Images &images, const Land &land)
 {
-    return saveColours(output, "MapTex", asImage(landColours(land)), 32) &&
-           saveColours(output, "TexNoise", groundTile());
+    startStage("Colouring the land");
+    addColours(images, "MapTex", asImage(landColours(land)), 32);
+    startStage("Weaving the texture of the ground");
+    addColours(images, "TexNoise", groundTile());
 }

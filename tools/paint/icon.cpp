@@ -1,11 +1,13 @@
-// The icons: the cube, rolling over its hill. Positions are shares of the icon's side, y up.
+// The icons: the cube rolls over a hill. Positions are fractions of the icon's side, with y up.
 #include "painters.h"
 
+#include <cstdio>
 #include <iterator>
+#include <png.h>
 
 constexpr int SIZES[] = {16, 22, 24, 32, 48, 64, 96, 128, 256};
-constexpr int DETAILED = 64; // pixels; a smaller icon shows the cube and the hill alone
-constexpr int GRAIN = 1024;  // samples along a side, whatever the size
+constexpr int DETAILED = 64; // pixels; a smaller icon shows only the cube and the hill
+constexpr int GRAIN = 1024;  // samples along a side of an icon of any size
 
 constexpr Colour ZENITH = hex(0x1668C8);
 constexpr Colour HORIZON = hex(0x8FDCF6);
@@ -33,20 +35,20 @@ struct Scene
     Canvas walker;
     Point axis[3]; // of the cube
     float half;    // of its edge
-    int detailed;
+    bool detailed;
 };
 
 struct Hit
 {
-    int face;    // the axis that it looks along
-    float side;  // 1 or -1, which way
-    float at[3]; // along the axes, -1..1
+    int face;    // index of the axis to which the face that was hit is perpendicular
+    float side;  // 1 or -1: the end of that axis
+    float at[3]; // coordinates of the hit along the three axes, -1..1
 };
 
 struct Walker
 {
     float x, y, height;
-    int mirrored;
+    bool mirrored;
 };
 
 struct Puff
@@ -55,11 +57,11 @@ struct Puff
 };
 } // namespace
 
-// On the slopes, fleeing.
-constexpr Walker WALKERS[] = {{0.125f, 0.160f, 0.145f, 0},
-                              {0.868f, 0.150f, 0.150f, 1},
-                              {0.285f, 0.075f, 0.165f, 0},
-                              {0.735f, 0.062f, 0.170f, 1}};
+// People who flee down the slopes.
+constexpr Walker WALKERS[] = {{0.125f, 0.160f, 0.145f, false},
+                              {0.868f, 0.150f, 0.150f, true},
+                              {0.285f, 0.075f, 0.165f, false},
+                              {0.735f, 0.062f, 0.170f, true}};
 
 constexpr Puff PUFFS[] = {{0.10f, 0.66f, 0.060f}, {0.18f, 0.69f, 0.080f}, {0.27f, 0.67f, 0.055f},
                           {0.76f, 0.76f, 0.050f}, {0.83f, 0.79f, 0.065f}, {0.90f, 0.765f, 0.050f}};
@@ -69,7 +71,7 @@ static float dot(Point a, Point b)
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-// Turns the plane of two coordinates by an angle, given as the tangent of its half.
+// Rotates (a, b) by an angle. halfTangent is the tangent of half the angle.
 static void turn(float &a, float &b, float halfTangent)
 {
     const float square = halfTangent * halfTangent;
@@ -82,7 +84,7 @@ static void turn(float &a, float &b, float halfTangent)
 
 static Scene makeScene(int size)
 {
-    const int detailed = size >= DETAILED;
+    const bool detailed = size >= DETAILED;
     Scene scene = {detailed ? makeCubeFace() : makePlainCubeFace(),
                    makeWalker(),
                    {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
@@ -90,9 +92,9 @@ static Scene makeScene(int size)
                    detailed};
     for (Point &axis : scene.axis)
     {
-        turn(axis.z, axis.x, -0.33f); // the front looks to the left
-        turn(axis.y, axis.z, 0.25f);  // the top is seen
-        turn(axis.x, axis.y, 0.10f);  // and all of it rolls
+        turn(axis.z, axis.x, -0.33f); // the front faces left
+        turn(axis.y, axis.z, 0.25f);  // the top becomes visible
+        turn(axis.x, axis.y, 0.10f);  // the cube leans as it rolls
     }
     return scene;
 }
@@ -102,8 +104,8 @@ static Colour texelAt(const Canvas &picture, float u, float v)
     return picture.clamped(int(u * float(picture.width)), int(v * float(picture.height)));
 }
 
-// Where the line of sight enters the cube; returns 0 when it misses.
-static int meetCube(const Scene &scene, float x, float y, Hit &hit)
+// Finds where the line of sight enters the cube. Returns false when it misses the cube.
+static bool meetCube(const Scene &scene, float x, float y, Hit &hit)
 {
     constexpr Point EYE = {0, 0, EYE_DISTANCE};
     const Point sight = {x - CUBE_X, y - CUBE_Y, -EYE_DISTANCE};
@@ -162,7 +164,7 @@ static Colour groundAt(const Scene &scene, float x, float y)
     const float patches = scene.detailed ? fractal(x * 7, y * 14, 0, 4, 0.6f, 711) : 0;
     Colour grass =
         mix(GRASS, GRASS_DARK, std::clamp(soft(0, 0.34f, depth) + 0.5f * patches, 0.0f, 1.0f));
-    // The shadow lies where the cube will land.
+    // The shadow is where the cube will land.
     const float under = length((x - CUBE_X - 0.03f) / 0.30f, (y - 0.225f) / 0.075f);
     grass = mix(grass, EARTH, 0.8f * soft(1.0f, 0.55f, under));
     return grass * mix(1, 0.55f, soft(0.95f, 0.3f, under));
@@ -180,7 +182,7 @@ static void addWalker(const Scene &scene, const Walker &walker, float x, float y
         colour = cloth;
 }
 
-// Below 1 inside the tile, a square with round corners.
+// The background is a square with round corners: the value is below 1 inside the square.
 static float tileAt(float x, float y)
 {
     return square(square(2 * x - 1)) + square(square(2 * y - 1));
@@ -192,7 +194,7 @@ static Paint sampleAt(const Scene &scene, float x, float y)
     Colour colour = y < hillAt(x) ? groundAt(scene, x, y) : skyAt(scene, x, y);
     colour = colour * mix(1, 0.72f, soft(0.80f, 1, tile));
     Hit hit = {};
-    const int cube = meetCube(scene, x, y, hit);
+    const bool cube = meetCube(scene, x, y, hit);
     if (cube)
         colour = cubeColour(scene, hit);
     if (scene.detailed)
@@ -201,7 +203,7 @@ static Paint sampleAt(const Scene &scene, float x, float y)
     return {colour, cube || tile < 1 ? 1.0f : 0.0f};
 }
 
-// The mean of grain x grain samples.
+// The mean of the samples of one pixel.
 static Paint pixelAt(const Scene &scene, int size, int px, int py)
 {
     const int grain = GRAIN / size;
@@ -219,7 +221,27 @@ static Paint pixelAt(const Scene &scene, int size, int px, int py)
     return opacity > 0 ? Paint{sum * (1 / opacity), opacity / float(grain * grain)} : Paint();
 }
 
-static int paintIcon(const char *folder, int size)
+static bool saveIcon(const char *folder, const Grid<Paint> &icon)
+{
+    std::vector<unsigned char> bytes;
+    bytes.reserve(icon.cells.size() * 4);
+    for (const Paint &p : icon.cells)
+        bytes.insert(bytes.end(), {toByte(p.colour.r), toByte(p.colour.g), toByte(p.colour.b),
+                                   toByte(p.opacity)});
+    png_image picture = {};
+    picture.version = PNG_IMAGE_VERSION;
+    picture.width = png_uint_32(icon.width);
+    picture.height = png_uint_32(icon.height);
+    picture.format = PNG_FORMAT_RGBA;
+    const int upsideDown = -icon.width * 4; // PNG rows start at the top
+    const std::string path = std::string(folder) + "/" + std::to_string(icon.width) + ".png";
+    if (png_image_write_to_file(&picture, path.c_str(), 0, bytes.data(), upsideDown, nullptr))
+        return true;
+    fprintf(stderr, "paint_icons: cannot write %s: %s\n", path.c_str(), picture.message);
+    return false;
+}
+
+static bool paintIcon(const char *folder, int size)
 {
     const Scene scene = makeScene(size);
     Grid<Paint> icon(size, size);
@@ -227,7 +249,7 @@ static int paintIcon(const char *folder, int size)
     return saveIcon(folder, icon);
 }
 
-int paintIcons(const char *folder)
+bool paintIcons(const char *folder)
 {
     return std::all_of(std::begin(SIZES), std::end(SIZES),
                        [=](int size) { return paintIcon(folder, size); });

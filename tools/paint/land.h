@@ -1,15 +1,26 @@
-// land.h - the shape of the land: heights, water and tracks on the game's grid of samples.
-// World units; grids here run x across and z up. In Map and MapTex a row of pixels is one x and a
-// column one z, so both are turned when they are written (see asImage).
+// land.h - the shape of the land: heights, water, villages, tracks and countries on the game's grid
+// of samples. World units. Grids here run x across and z up. A row of pixels in Map and MapTex is
+// one x and a column is one z, so both are transposed when they are written (see asImage).
 #pragma once
 
 #include "canvas.h"
 
-constexpr int LAND_SIDE = 501;      // samples along x and along z: blocks of 25 and their last row
+#include <cstdint>
+
 constexpr float SPACING = 25;       // units between samples, fixed by the game
 constexpr float HEIGHT_RANGE = 600; // height of a grey of 256, fixed by the game
-constexpr float HALF_LAND = LAND_SIDE * SPACING / 2;
-constexpr float WATER_LEVEL = 36; // of every lake and the fjord; nothing else lies as low
+constexpr float WATER_LEVEL = 36;   // of the fjord; lakes and rivers lie higher
+
+// What a stretch of land is like. The weights of all countries at a sample add up to 1.
+enum Country
+{
+    COUNTRY_MEADOW,
+    COUNTRY_HIGHLAND, // dry, with terraces of rock
+    COUNTRY_FOREST,
+    COUNTRY_MARSH, // the low delta of rivers, with ponds
+    COUNTRY_SNOWFIELD,
+    COUNTRIES
+};
 
 struct Place
 {
@@ -17,26 +28,52 @@ struct Place
     float radius; // of the houses; the fields reach three times as far
 };
 
-// The villages; tracks link them.
-constexpr Place PLACES[] = {{950, 1250, 250},  {-800, 3350, 220},  {-2500, -1100, 230},
-                            {2350, 2500, 210}, {2150, -1250, 230}, {-3000, 2700, 200},
-                            {330, -2050, 150}};
+struct CoursePoint // of a line through the land
+{
+    float x, z;
+    float level;     // height of the water there
+    float halfWidth; // 0 for lines without a width
+};
+
+using Course = std::vector<CoursePoint>;
 
 struct Land
 {
-    Grid<unsigned char> map; // the greys of Map
-    Field height;            // as the game will smooth the map
-    Field water;             // 0 dry .. 1 lake or river
-    Field track;             // 0 none .. 1 worn bare
-    Field cliff;             // 1 on the cliff that ends the land and behind it, 0 elsewhere
+    uint32_t seed;
+    Grid<unsigned char> map;    // the greys of Map
+    Field height;               // after the game's smoothing
+    Field water;                // 0 dry .. 1 lake, river or fjord
+    Field track;                // 0 none .. 1 worn bare
+    Field cliff;                // 1 on the cliff that ends the land and behind it, 0 elsewhere
+    Field fall;                 // 0 .. 1 white water, where a river or the cliff's brook drops
+    std::vector<Field> country; // weights 0 .. 1, one field for each Country
+    std::vector<Place> villages;
+    std::vector<Course> rivers; // downstream; each ends in the fjord or in another river
+
+    int side() const
+    {
+        return height.width;
+    }
+    float half() const // units from the middle of the land to its end
+    {
+        return float(height.width) * SPACING / 2;
+    }
+    float toWorld(int sample) const
+    {
+        return float(sample) * SPACING - half();
+    }
+    float weight(Country of, int x, int z) const
+    {
+        return country[size_t(of)].at(x, z);
+    }
 };
 
-Land makeLand();
+// Grows the land of a seed. The side is 351 to 1501 samples, a multiple of 25 and one more. The
+// same seed and side give the same land on every machine.
+Land makeLand(uint32_t seed, int side);
 
-inline float toWorld(int sample)
-{
-    return float(sample) * SPACING - HALF_LAND;
-}
+// A seed for noiseAt, fractal and scatter that differs from land to land and from use to use.
+int noiseSeed(uint32_t landSeed, int use);
 
 template <typename T> Grid<T> asImage(const Grid<T> &land)
 {

@@ -1,21 +1,21 @@
-// painters.h - one function per subject; each returns 1, or 0 when a file cannot be written.
+// painters.h - one function for each subject: it paints the images of the subject and adds them.
 #pragma once
 
-#include "canvas.h"
+#include "images.h"
 
 struct Land;
 
-int paintLand(const Output &output, const Land &land);   // Map: the heights
-int paintGround(const Output &output, const Land &land); // MapTex, TexNoise: the land's colours
-int paintCube(const Output &output);                     // TexCube
-int paintSky(const Output &output);                      // TexSkyBox
-int paintTank(const Output &output);                     // TexTank
-int paintPeople(const Output &output);                   // TexPerson, TexPersonBack
+void paintLand(Images &images, const Land &land);   // Map: the heights
+void paintGround(Images &images, const Land &land); // MapTex, TexNoise: the colours of the land
+void paintCube(Images &images);                     // TexCube
+void paintSky(Images &images);                      // TexSkyBox
+void paintTank(Images &images);                     // TexTank
+void paintPeople(Images &images);                   // TexPerson, TexPersonBack
 
-// The icons, into <folder>/<size>.png.
-int paintIcons(const char *folder);
+// Paints the icons into <folder>/<size>.png. Returns true, or false after a line on standard error.
+bool paintIcons(const char *folder);
 
-// What the icons show of the game's things.
+// What the icons show.
 Canvas makeCubeFace();
-Canvas makePlainCubeFace(); // what is left of it to see when it is a few pixels wide
-Canvas makeWalker();        // black where there is nothing of him
+Canvas makePlainCubeFace(); // without the details that a face of a few pixels cannot show
+Canvas makeWalker();        // black wherever the figure is not

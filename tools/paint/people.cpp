@@ -1,12 +1,14 @@
-// One walker, from the front and from behind. The game adds the picture to what lies behind it, so
-// black is clear glass and the clothes are bright; pure magenta marks what is not the figure.
+// A walking person, seen from the front and from behind, for people drawn as pictures. The game
+// adds the colours of the picture to the background, so black would be invisible and the clothes
+// are bright. Pure magenta marks the texels around the figure.
 #include "painters.h"
+#include "progress.h"
 
 constexpr int BOARD = 256;
-constexpr float UNIT = BOARD / 20.0f; // texels per world unit; the board is 20 x 20 units
+constexpr float UNIT = BOARD / 20.0f; // texels per world unit; the picture is 20 x 20 units
 
 constexpr Colour KEY = {1, 0, 1};
-constexpr Colour CLEAR = {0, 0, 0};
+constexpr Colour CLEAR = {0, 0, 0}; // until addBoard puts KEY there
 constexpr Colour SKIN = hex(0xFFD2A8);
 constexpr Colour SKIN_SHADE = hex(0xD99A6C);
 constexpr Colour HAIR = hex(0xA8642A);
@@ -24,7 +26,7 @@ static void limb(Canvas &board, Box ends, float halfWidth, Colour colour)
     drawLine(board, core, halfWidth - 0.25f, colour);
 }
 
-// In mid stride, arms swinging; side is 1 from the front and -1 from behind.
+// The figure takes a step and swings its arms. side is 1 from the front and -1 from behind.
 static void paintBody(Canvas &board, float side)
 {
     limb(board, {MIDDLE + 1.2f * side, 7.6f, MIDDLE + 1.7f * side, 1.3f}, 1.0f, TROUSERS);
@@ -59,12 +61,12 @@ static void paintBack(Canvas &board)
     fillBox(board, {MIDDLE - 1.1f, 8.6f, MIDDLE + 1.1f, 10.2f}, BOOTS);
 }
 
-static int saveBoard(const Output &output, const char *name, Canvas &board)
+static void addBoard(Images &images, const char *name, Canvas &board)
 {
     for (Colour &c : board.cells)
         if (c.r + c.g + c.b <= 0)
             c = KEY;
-    return saveColours(output, name, board);
+    addColours(images, name, board);
 }
 
 Canvas makeWalker()
@@ -74,10 +76,12 @@ Canvas makeWalker()
     return front;
 }
 
-int paintPeople(const Output &output)
+void paintPeople(Images &images)
 {
+    startStage("Painting the people");
     Canvas front = makeWalker();
     Canvas back(BOARD, BOARD, UNIT, CLEAR);
     paintBack(back);
-    return saveBoard(output, "TexPerson", front) && saveBoard(output, "TexPersonBack", back);
+    addBoard(images, "TexPerson", front);
+    addBoard(images, "TexPersonBack", back);
 }

@@ -1,42 +1,47 @@
-// The sky box: one picture for all four walls, with the ceiling hidden in its bottom left corner.
+// The sky box: one picture for all four walls. The ceiling shows its bottom left corner, which the
+// land hides on the walls.
 #include "painters.h"
+#include "progress.h"
 
-// Units of the box, seen from the eye: each wall is 100 away, 200 wide and reaches from 85 below
-// the eye to 115 above it.
-constexpr int SKY_SIZE = 1024; // texels: about as fine as the display, where a wall spans 1,330
+// Units of the box: each wall is 100 from the eye and 200 wide. It reaches from 85 below the eye to
+// 115 above.
+constexpr int SKY_SIZE = 1024; // texels; on the display a wall is 1,330 pixels wide
 constexpr float WALL = 200;
 constexpr float BELOW_EYE = 85;
 constexpr float TOP = WALL - BELOW_EYE;
 constexpr float CEILING_FROM = 0.002f; // the part of the picture that the ceiling shows
 constexpr float CEILING_TO = 0.1f;
-constexpr float CEILING_MARGIN = 0.006f; // painted beyond it, since the filter looks past the edge
+constexpr float CEILING_MARGIN =
+    0.006f; // painted around that part, since the texture filter reads beyond it
 
 constexpr Colour FOG = {39.0f / 255, 168.0f / 255, 221.0f / 255}; // the game's own
-// The floor, and what OpenGL's old clamping mixes in at the edges of the walls. A line shows there
-// unless it lies amid the colours of the clear sky, and unless those are about equally light.
+// The floor has this colour, and OpenGL's old clamping mixes it in at the edges of the walls. The
+// edges would be visible as lines if this colour were not close to all the colours of the clear sky
+// there, in hue and in lightness.
 constexpr Colour EDGE = hex(0x2BA3E4);
 constexpr Colour AZURE = hex(0x289DEC);
-constexpr Colour ZENITH = hex(0x1E74CC);     // nearly all of it on the ceiling
-constexpr Colour HAZE_LIGHT = hex(0x54BCEC); // a paler band, into which far hills rise
+constexpr Colour ZENITH = hex(0x1E74CC);     // hardly seen but on the ceiling
+constexpr Colour HAZE_LIGHT = hex(0x54BCEC); // a paler band behind the far hills
 constexpr float HAZE_STRENGTH = 0.5f;
-// Sines of the elevation between which one colour becomes the next, or the band comes and goes.
+// Sines of the elevation. Between the two of a pair, the first colour turns into the second.
 constexpr float FOG_TO_EDGE[] = {-0.20f, -0.45f};
 constexpr float FOG_TO_AZURE[] = {0.06f, 0.50f};
 constexpr float AZURE_TO_ZENITH[] = {0.68f, 1.02f};
-constexpr float HAZE_BAND[] = {0, 0.12f, 0.40f};
+constexpr float HAZE_BAND[] = {0, 0.12f, 0.40f}; // where the pale band begins, peaks and ends
 constexpr Colour CLOUD_LIT = hex(0xFFFDF6);
 constexpr Colour CLOUD_SHADE = hex(0x8FB9DC);
 constexpr float CLOUD_SUN[] = {-0.45f, 0.75f, 0.48f}; // toward the sun: left, up, to the viewer
-constexpr float FLUFF = 0.30f;     // how far noise frays a cloud, in parts of a puff's radius
-constexpr float HAZE[] = {-6, 26}; // units above the horizon between which clouds come out of haze
-constexpr float VEIL = 0.24f;      // strength of the thin high cloud
+constexpr float FLUFF = 0.30f; // how far noise moves the outline of a cloud, in radii of a puff
+// Units above the horizon: haze hides clouds below the first height, and none above the second.
+constexpr float HAZE[] = {-6, 26};
+constexpr float VEIL = 0.24f; // strength of the thin high cloud
 
-// Units from the corners of the box, where the sky must be clear.
+// The sky must be clear where two walls meet. Distances in units from there.
 constexpr float CLOUDLESS = 1.5f;
-constexpr float THINNING = 60;     // within which haze and thin cloud fade
-constexpr float HAZE_LEFT = 0.25f; // at the very corner, of the haze
+constexpr float THINNING = 60;      // haze and thin cloud fade over this distance
+constexpr float LEAST_HAZE = 0.25f; // factor on the haze where two walls meet
 
-constexpr int PUFFS = 30; // of each cloud
+constexpr int PUFFS = 30; // in each cloud
 
 namespace
 {
@@ -47,15 +52,15 @@ struct Puff
 
 struct Cloud
 {
-    float x, base, halfWidth; // units; base is the height of its flat underside
+    float x, base, halfWidth; // units; base is the height of the flat underside
     int seed;
     Puff puffs[PUFFS];
 };
 
-struct Bank // clouds of one distance
+struct Bank // clouds at the same distance
 {
     int count;
-    float base, spread;      // height above the horizon
+    float base, spread;      // the undersides are at base to base + spread above the horizon
     float narrowest, widest; // half widths
 };
 } // namespace
@@ -99,7 +104,8 @@ static std::vector<Cloud> makeClouds()
     return clouds;
 }
 
-// Light of a cloud at (x, y) from its middle and base; *cover becomes 0 (clear) .. 1.
+// How brightly a cloud is lit, 0..1, at a point that is x to the right of its middle and y above
+// its base. *cover becomes the opacity there, 0..1.
 static float cloudLight(const Cloud &cloud, float x, float y, float fray, float *cover)
 {
     float nearest = 0;
@@ -126,11 +132,12 @@ static float cloudLight(const Cloud &cloud, float x, float y, float fray, float 
         return 0;
     const float size = std::sqrt(nx * nx + ny * ny + nz * nz);
     const float facing = (nx * CLOUD_SUN[0] + ny * CLOUD_SUN[1] + nz * CLOUD_SUN[2]) / size;
-    const float lift = soft(0, 0.75f * cloud.halfWidth, y); // undersides lie in shade
+    const float lift = soft(0, 0.75f * cloud.halfWidth, y); // undersides are in the shade
     return soft(-0.35f, 0.95f, facing * 0.75f + lift * 0.75f - 0.28f + 0.35f * fray);
 }
 
-static float elevation(float x, float y, float z) // its sine, in that direction from the eye
+// The sine of the elevation of the direction (x, y, z) from the eye.
+static float elevation(float x, float y, float z)
 {
     return y / length(y, length(x, z));
 }
@@ -156,21 +163,23 @@ static float veil(float x, float y)
     return VEIL * soft(12, 40, y) * soft(TOP - 20, TOP - 60, y) * soft(-0.1f, 0.5f, thin);
 }
 
-// Clouds are laid out by bearing and elevation, or they would stretch toward the corners of the
-// box.
+// Clouds are placed by bearing and elevation. By place on the wall they would look wider toward the
+// corners of the box.
 static Colour wallColour(const std::vector<Cloud> &clouds, float wallX, float wallY)
 {
-    const float tangent = wallX / (WALL / 2) - 1; // of the bearing from the middle of the wall
-    const float bearing = tangent * (1 + 0.3476f * (1 - std::fabs(tangent))); // arc tangent, nearly
+    const float tangent =
+        wallX / (WALL / 2) - 1; // of the bearing, measured from the middle of the wall
+    const float bearing =
+        tangent * (1 + 0.3476f * (1 - std::fabs(tangent))); // about the arc tangent
     const float x = WALL / 2 * (1 + bearing);
     const float y = wallY / length(1, tangent);
     const float window = soft(TOP - 2, TOP - 18, wallY);
     const float inner = soft(0, THINNING, std::min(wallX, WALL - wallX));
     const float rise = elevation(wallX - WALL / 2, wallY, WALL / 2);
-    Colour colour = mix(clearSky(rise), HAZE_LIGHT, mix(HAZE_LEFT, 1, inner) * haze(rise));
+    Colour colour = mix(clearSky(rise), HAZE_LIGHT, mix(LEAST_HAZE, 1, inner) * haze(rise));
     colour = mix(colour, CLOUD_LIT, window * inner * veil(x, y));
     const float rough = fractal(x / WALL * 26, y / WALL * 26, 0, 5, 0.62f, 491) * 1.7f;
-    for (const Cloud &cloud : clouds) // the near ones come last
+    for (const Cloud &cloud : clouds) // the nearest clouds are last and cover the others
     {
         const float dx = x - cloud.x;
         const float dy = y - cloud.base;
@@ -185,7 +194,7 @@ static Colour wallColour(const std::vector<Cloud> &clouds, float wallX, float wa
     return colour;
 }
 
-// Around its rim clear sky, as where the walls end.
+// The border of the ceiling is clear sky like the upper edges of the walls, where it meets them.
 static Colour ceilingColour(float s, float t)
 {
     const float x = (s - CEILING_FROM) / (CEILING_TO - CEILING_FROM) * 2 - 1; // -1..1 across
@@ -196,8 +205,9 @@ static Colour ceilingColour(float s, float t)
                0.40f * window * soft(-0.1f, 0.5f, thin));
 }
 
-int paintSky(const Output &output)
+void paintSky(Images &images)
 {
+    startStage("Painting the sky");
     const std::vector<Cloud> clouds = makeClouds();
     Canvas canvas(SKY_SIZE, SKY_SIZE);
     canvas.paint(
@@ -210,5 +220,5 @@ int paintSky(const Output &output)
             return wallColour(clouds, s * WALL, t * WALL - BELOW_EYE);
         });
     canvas.at(0, 0) = EDGE; // the floor
-    return saveColours(output, "TexSkyBox", canvas);
+    addColours(images, "TexSkyBox", canvas);
 }

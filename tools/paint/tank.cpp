@@ -1,10 +1,13 @@
-// The tank's atlas. Positions are the 32 x 32 units in which the game cuts it up.
+// The texture atlas of the tank. Its sides are divided into 32 units; positions here are in these
+// units, and the game's texture coordinates are multiples of them.
 #include "painters.h"
+#include "progress.h"
 
 constexpr int ATLAS = 512;
 constexpr float UNIT = ATLAS / 32.0f; // texels
 
-constexpr Colour PAINT = hex(0xFFF0BC); // bright: the game leaves a third of it on upright faces
+constexpr Colour PAINT =
+    hex(0xFFF0BC); // bright, since the game shows a third of it on upright faces
 constexpr Colour PAINT_TOP = hex(0xF6E2AC);
 constexpr Colour CAMOUFLAGE = hex(0xE4BE6C);
 constexpr Colour SEAM = hex(0x5B4A2A);
@@ -17,7 +20,8 @@ constexpr Colour LINK_LIGHT = hex(0xB4AA9A);
 constexpr Colour WARNING = hex(0xFF2A14);
 constexpr Colour GLOW = hex(0xFF6A30);
 
-constexpr Box ARMOUR = {0.5f, 0.5f, 15.5f, 15.5f}; // half a unit of bleed about what is shown
+constexpr Box ARMOUR = {0.5f, 0.5f, 15.5f,
+                        15.5f}; // half a unit larger than the part that is shown, against bleeding
 constexpr Box TOP = {15.5f, 0.5f, 31.5f, 19.5f};
 constexpr Box LINKS = {7.5f, 15.5f, 14.5f, 31.5f};
 constexpr Box TRACK_SIDE = {14.5f, 19.5f, 31.9f, 31.9f};
@@ -52,7 +56,7 @@ static void camouflage(Canvas &atlas, Box b, Colour base, int seed)
         }
 }
 
-// Every upright face of hull and turret shows this: dark below, a slit with a glow behind it above.
+// Every upright face of hull and turret shows this: a dark lower edge, and a glowing slit above.
 static void paintArmour(Canvas &atlas)
 {
     camouflage(atlas, ARMOUR, PAINT, 601);
@@ -77,7 +81,7 @@ static void paintArmour(Canvas &atlas)
     }
 }
 
-// Hatch and grille; the front is up.
+// The top of the hull, with a hatch and a grille. The front of the tank is up.
 static void paintTop(Canvas &atlas)
 {
     camouflage(atlas, TOP, PAINT_TOP, 631);
@@ -93,7 +97,7 @@ static void paintTop(Canvas &atlas)
     fillRing(atlas, 23.4f, 10.6f, 1.7f, 0.1f, SEAM);
     drawLine(atlas, {22.3f, 10.6f, 24.5f, 10.6f}, 0.24f, WARNING);
     drawLine(atlas, {23.4f, 9.5f, 23.4f, 11.7f}, 0.24f, WARNING);
-    fillBox(atlas, {16.0f, 16.3f, 31.0f, 17.7f}, WARNING, 0.9f); // a band that shows from afar
+    fillBox(atlas, {16.0f, 16.3f, 31.0f, 17.7f}, WARNING, 0.9f); // a band that is seen from afar
     for (int i = 0; i < 7; ++i)
     {
         rivet(atlas, 17.0f + 2.17f * float(i), 18.4f);
@@ -114,7 +118,8 @@ static void paintLinks(Canvas &atlas)
     }
 }
 
-// The outer side: the front is left and lower, so the upper run slopes from (15, 26) to (31, 31).
+// The outer side of a track. The front is at the left and lower: the upper edge of the track rises
+// from (15, 26) to (31, 31).
 static void paintTrackSide(Canvas &atlas)
 {
     fillBox(atlas, TRACK_SIDE, RUBBER);
@@ -140,7 +145,7 @@ static void paintTrackSide(Canvas &atlas)
     drawLine(atlas, {17.2f, 25.2f, 30.3f, 28.6f}, 0.12f, PAINT);
 }
 
-// The upper side runs to the muzzle upwards, the flanks downwards.
+// On the upper side of the barrel the muzzle is up, on its flanks the muzzle is down.
 static void paintBarrel(Canvas &atlas)
 {
     fillBox(atlas, BARREL_TOP, STEEL);
@@ -158,13 +163,14 @@ static void paintBarrel(Canvas &atlas)
     fillDisc(atlas, 2, 17, 0.68f, RUBBER);
 }
 
-int paintTank(const Output &output)
+void paintTank(Images &images)
 {
+    startStage("Painting the tank");
     Canvas atlas(ATLAS, ATLAS, UNIT, CAMOUFLAGE);
     paintTrackSide(atlas);
     paintLinks(atlas);
     paintArmour(atlas);
     paintTop(atlas);
     paintBarrel(atlas);
-    return saveColours(output, "TexTank", atlas);
+    addColours(images, "TexTank", atlas);
 }

@@ -1,0 +1,85 @@
+#include "coast.h"
+
+// The game's smoothing limits how steep any ground can be. The cliff reaches that limit, and none
+// of its bends and corners is narrow enough to be a ramp. The tool rim counts the cubes that climb
+// over the cliff.
+constexpr float CLIFF_BRINK = 620;   // units from the end of the land, on average
+constexpr float CLIFF_WIDTH = 25;    // from the brink to the foot
+constexpr float CLIFF_CORNER = 1000; // radius; wider and narrower ones let more cubes climb
+constexpr float CLIFF_BEND = 350;    // how far bends of BEND_LENGTH move the cliff
+constexpr float BEND_LENGTH = 4500;
+constexpr float CLIFF_HEADLAND = 180; // and how far headlands of HEADLAND_LENGTH do
+constexpr float HEADLAND_LENGTH = 1000;
+constexpr float CLIFF_DIP = 40;     // how far the brink sinks below HEIGHT_RANGE
+constexpr float CLIFF_CREST = 300;  // from the brink to where the land falls again, out of sight
+constexpr float CLIFF_BACK = 0.6f;  // slope behind
+constexpr float CLIFF_SPREAD = 270; // from the brink to the foot once the game has smoothed it
+constexpr float FJORD_WIDTH = 320;  // where it is narrowest
+constexpr float FJORD_BAYS = 700;   // how much wider it is in bays
+
+constexpr float FALL_SPACING = 2600; // along the coast, from brook to brook
+constexpr float FALL_HALF_WIDTH = 22;
+
+// Units from the end of the land, less where the cliff has come inland and more where it has
+// receded.
+static float inwardAt(const Plan &plan, float x, float z)
+{
+    const float dx = std::fabs(x) - (plan.half() - CLIFF_CORNER);
+    const float dz = std::fabs(z) - (plan.half() - CLIFF_CORNER);
+    const float inward = CLIFF_CORNER - length(std::max(dx, 0.0f), std::max(dz, 0.0f)) -
+                         std::min(std::max(dx, dz), 0.0f);
+    return inward + CLIFF_BEND * plan.waves(x, z, BEND_LENGTH, 1, 41) +
+           CLIFF_HEADLAND * plan.waves(x, z, HEADLAND_LENGTH, 1, 42);
+}
+
+float shoreDistance(const Plan &plan, float x, float z)
+{
+    const float bay = plan.waves(x, z, 1100, 4, 43);
+    return inwardAt(plan, x, z) - CLIFF_BRINK - CLIFF_WIDTH - FJORD_WIDTH -
+           FJORD_BAYS * std::clamp(0.4f + 1.4f * bay, 0.0f, 1.0f);
+}
+
+int isCliff(const Plan &plan, float x, float z)
+{
+    return inwardAt(plan, x, z) < CLIFF_BRINK + CLIFF_SPREAD;
+}
+
+float coastSteepness(const Plan &plan, float x, float z)
+{
+    const float out = plan.half() - std::max(std::fabs(x), std::fabs(z));
+    return soft(2800, 2000, out) * soft(0, 0.25f, plan.waves(x, z, 1700, 2, 44));
+}
+
+// The height of the cliff where the land lies so many units behind its brink.
+static float cliffTop(const Plan &plan, float x, float z, float behind)
+{
+    const float dip = std::fabs(plan.waves(x, z, 900, 3, 45)) * 2;
+    return std::max(HEIGHT_RANGE - CLIFF_DIP * std::min(dip, 1.0f) -
+                        CLIFF_BACK * std::max(behind - CLIFF_CREST, 0.0f),
+                    WATER_LEVEL);
+}
+
+void raiseCliff(const Plan &plan, Field &height)
+{
+    for (int z = 0; z < plan.side; ++z)
+        for (int x = 0; x < plan.side; ++x)
+        {
+            const float wx = plan.toWorld(x);
+            const float wz = plan.toWorld(z);
+            const float behind = CLIFF_BRINK - inwardAt(plan, wx, wz);
+            if (behind > -CLIFF_WIDTH)
+                height.at(x, z) = mix(WATER_LEVEL, cliffTop(plan, wx, wz, behind),
+                                      std::min(behind / CLIFF_WIDTH + 1, 1.0f));
+        }
+}
+
+float cliffFall(const Plan &plan, float x, float z)
+{
+    const int alongX = std::fabs(z) > std::fabs(x); // which way the coast runs
+    const float along = (alongX ? x : z) + 40 * plan.waves(x, z, 260, 1, 46);
+    const int cell = int(std::floor(along / FALL_SPACING));
+    const int edge = alongX * 2 + ((alongX ? z : x) > 0);
+    const float at = (float(cell) + 0.2f + 0.6f * plan.random(cell, edge, 47)) * FALL_SPACING;
+    const float width = FALL_HALF_WIDTH * (0.7f + 0.6f * plan.random(cell, edge, 48));
+    return soft(width + 12, width - 10, std::fabs(along - at));
+}

@@ -1,0 +1,7 @@
+// erosion.h - what rain does to the ground before the rivers are laid.
+#pragma once
+
+#include "plan.h"
+
+// Lets drops of rain run over the ground: they dig gullies and leave soil in hollows.
+void erode(const Plan &plan, Field &height);

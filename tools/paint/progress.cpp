@@ -1,0 +1,38 @@
+#include "progress.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unistd.h>
+
+constexpr int LINE = 60; // characters of the line on a terminal that are written over
+
+static int stages;  // that are expected; 0 when nothing is shown
+static int started; // how many of them
+static bool terminal;
+
+void showProgress(int expected)
+{
+    stages = expected;
+    started = 0;
+    terminal = isatty(STDOUT_FILENO);
+}
+
+void startStage(const char *name)
+{
+    if (!stages)
+        return;
+    stages = std::max(stages, ++started);
+    if (terminal)
+        printf("\r%2d of %d  %-*s", started, stages, LINE, name);
+    else
+        printf("%2d of %d  %s\n", started, stages, name);
+    fflush(stdout);
+}
+
+void endProgress()
+{
+    if (stages && terminal)
+        printf("\r%*s\r", LINE + 10, "");
+    fflush(stdout);
+    stages = 0;
+}

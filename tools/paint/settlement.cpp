@@ -1,0 +1,300 @@
+#include "settlement.h"
+
+#include "coast.h"
+
+#include <queue>
+
+constexpr float VILLAGES = 7.0f / (501 * 501); // to a sample
+constexpr float VILLAGE_RADIUS[] = {150, 270};
+constexpr int SEARCH_STEP = 5;         // samples between the places looked at
+constexpr float COAST_GAP = 420;       // from a village to the fjord, at least
+constexpr float WATER_GAP = 260;       // to a river or lake
+constexpr float WALK_TO_WATER = 1000;  // at most, or the village is less wanted
+constexpr float SALT = 0.8f;           // how much less a village by the fjord is wanted
+constexpr float LANDING_GAP = 650;     // to where the cube comes down
+constexpr float GENTLE = 0.15f;        // slope of the ground under a village, at most
+constexpr float HIGHEST_VILLAGE = 330; // height
+constexpr float NEAREST_VILLAGE = 1750;
+
+constexpr int PACE = 3;         // samples between the places a walker goes through
+constexpr float STEEPNESS = 45; // cost of a slope's square, in lengths of level ground
+constexpr float FORD = 350;     // cost of a step into a river, in units of level ground
+constexpr float SWIM = 5000;    // into a lake
+constexpr float WORN = 0.5f;    // share of the cost where there is a track already
+constexpr float DETOUR = 1.9f;  // along tracks; a village is linked directly beyond
+constexpr float TRACK_HALF_WIDTH = 15;
+
+namespace
+{
+struct Site
+{
+    float merit;
+    Place place;
+};
+} // namespace
+
+static float slopeAt(const Field &height, int x, int z)
+{
+    const float dx = height.clamped(x + 4, z) - height.clamped(x - 4, z);
+    const float dz = height.clamped(x, z + 4) - height.clamped(x, z - 4);
+    return length(dx, dz) / (8 * SPACING);
+}
+
+static float waterDistance(const Waters &waters, int x, int z)
+{
+    return std::min(waters.shore.at(x, z), waters.river.halfWidth.at(x, z) > 0
+                                               ? waters.river.distance.at(x, z)
+                                               : waters.shore.at(x, z));
+}
+
+// The steepest ground under a village.
+static float roughness(const Field &height, int x, int z)
+{
+    float steepest = 0;
+    for (int k = 0; k < 9; ++k)
+        steepest = std::max(steepest, slopeAt(height, x + (k % 3 - 1) * 6, z + (k / 3 - 1) * 6));
+    return steepest;
+}
+
+// Above 0 where a village can be; the larger the better.
+static float meritOf(const Plan &plan, const std::vector<Field> &countries, const Waters &waters,
+                     const Field &height, int x, int z)
+{
+    const float wx = plan.toWorld(x);
+    const float wz = plan.toWorld(z);
+    if (length(wx, wz - LANDING_Z) < LANDING_GAP || height.at(x, z) > HIGHEST_VILLAGE ||
+        waters.shore.at(x, z) < WATER_GAP || waterDistance(waters, x, z) < WATER_GAP ||
+        shoreDistance(plan, wx, wz) < COAST_GAP)
+        return 0;
+    const int isByFjord = waters.shoreLevel.at(x, z) <= WATER_LEVEL;
+    const float walk = std::min(waterDistance(waters, x, z) / WALK_TO_WATER, 1.5f) +
+                       (isByFjord ? SALT * soft(1800, 600, waters.shore.at(x, z)) : 0);
+    const float harsh = countries[COUNTRY_SNOWFIELD].at(x, z) +
+                        0.5f * countries[COUNTRY_MARSH].at(x, z) +
+                        0.3f * countries[COUNTRY_HIGHLAND].at(x, z);
+    return 3 - 0.7f * walk - 0.6f * harsh - 5 * roughness(height, x, z) +
+           0.9f * plan.random(x, z, 61);
+}
+
+static std::vector<Site> findSites(const Plan &plan, const std::vector<Field> &countries,
+                                   const Waters &waters, const Field &height)
+{
+    std::vector<Site> sites;
+    for (int z = 40; z < plan.side - 40; z += SEARCH_STEP)
+        for (int x = 40; x < plan.side - 40; x += SEARCH_STEP)
+        {
+            const float merit = meritOf(plan, countries, waters, height, x, z);
+            const float size = plan.random(x, z, 62);
+            if (merit > 0 && roughness(height, x, z) < GENTLE)
+                sites.push_back({merit,
+                                 {plan.toWorld(x), plan.toWorld(z),
+                                  mix(VILLAGE_RADIUS[0], VILLAGE_RADIUS[1], size)}});
+        }
+    std::stable_sort(sites.begin(), sites.end(),
+                     [](const Site &a, const Site &b) { return a.merit > b.merit; });
+    return sites;
+}
+
+static int isApart(const std::vector<Place> &villages, const Place &place, float gap)
+{
+    return std::all_of(villages.begin(), villages.end(),
+                       [&](const Place &other)
+                       { return length(other.x - place.x, other.z - place.z) > gap; });
+}
+
+// Evens out what the houses stand on.
+static void levelGround(const Plan &plan, const Place &place, Field &height)
+{
+    const float mean = height.at(plan.toSample(place.x), plan.toSample(place.z));
+    const int right = plan.toSample(place.x + 2 * place.radius);
+    const int top = plan.toSample(place.z + 2 * place.radius);
+    for (int z = plan.toSample(place.z - 2 * place.radius); z <= top; ++z)
+        for (int x = plan.toSample(place.x - 2 * place.radius); x <= right; ++x)
+        {
+            const float d = length(plan.toWorld(x) - place.x, plan.toWorld(z) - place.z);
+            float &h = height.at(x, z);
+            h = mix(h, mean, 0.6f * soft(1.5f * place.radius, 0.5f * place.radius, d));
+        }
+}
+
+std::vector<Place> settle(const Plan &plan, const std::vector<Field> &countries,
+                          const Waters &waters, Field &height)
+{
+    const size_t wanted = size_t(std::max(VILLAGES * square(float(plan.side)), 3.0f));
+    const std::vector<Site> sites = findSites(plan, countries, waters, height);
+    std::vector<Place> villages;
+    for (const float gap : {NEAREST_VILLAGE, 0.7f * NEAREST_VILLAGE})
+        for (const Site &site : sites)
+            if (villages.size() < wanted && isApart(villages, site.place, gap))
+                villages.push_back(site.place);
+    for (const Place &village : villages)
+        levelGround(plan, village, height);
+    return villages;
+}
+
+namespace
+{
+struct Walk // over a grid of places, PACE samples apart or more
+{
+    const Plan &plan;
+    int pace, side;
+    Field toll; // cost of going through a place: a ford, or a lake
+    Field height;
+    Field wear; // factor of the cost
+};
+
+struct Ways // from one place to all others
+{
+    std::vector<float> cost;
+    std::vector<int> from;
+};
+
+struct Step
+{
+    float cost;
+    int place;
+
+    bool operator<(const Step &other) const
+    {
+        return cost != other.cost ? cost > other.cost : place > other.place;
+    }
+};
+} // namespace
+
+static Walk surveyGround(const Plan &plan, const Waters &waters, const Field &height)
+{
+    const int pace = PACE * (plan.side / 1000 + 1);
+    const int side = plan.side / pace;
+    Walk walk = {plan, pace, side, Field(side, side), Field(side, side), Field(side, side, 1)};
+    for (int k = 0; k < side; ++k)
+        for (int i = 0; i < side; ++i)
+        {
+            const int x = i * pace;
+            const int z = k * pace;
+            const int isRiver =
+                waters.river.distance.at(x, z) < waters.river.halfWidth.at(x, z) + 30;
+            const float lake = SWIM * soft(120, 40, waters.shore.at(x, z));
+            walk.toll.at(i, k) = lake + (isRiver ? FORD : 0);
+            walk.height.at(i, k) = height.at(x, z);
+        }
+    return walk;
+}
+
+static int placeOf(const Walk &walk, const Place &village)
+{
+    return walk.plan.toSample(village.z) / walk.pace * walk.side +
+           walk.plan.toSample(village.x) / walk.pace;
+}
+
+static float costOf(const Walk &walk, int from, int to)
+{
+    const float dx = float(from % walk.side - to % walk.side);
+    const float dz = float(from / walk.side - to / walk.side);
+    const float distance = length(dx, dz) * float(walk.pace) * SPACING;
+    const float slope =
+        (walk.height.cells[size_t(to)] - walk.height.cells[size_t(from)]) / distance;
+    return (distance * (1 + STEEPNESS * slope * slope) + walk.toll.cells[size_t(to)]) *
+           walk.wear.cells[size_t(to)];
+}
+
+static Ways findWays(const Walk &walk, int start) // Dijkstra's algorithm
+{
+    Ways ways = {std::vector<float>(walk.height.cells.size(), 1e30f),
+                 std::vector<int>(walk.height.cells.size(), -1)};
+    std::priority_queue<Step> front;
+    ways.cost[size_t(start)] = 0;
+    front.push({0, start});
+    while (!front.empty())
+    {
+        const Step here = front.top();
+        front.pop();
+        if (here.cost > ways.cost[size_t(here.place)])
+            continue;
+        for (int k = 0; k < 9; ++k)
+        {
+            const int x = here.place % walk.side + k % 3 - 1;
+            const int z = here.place / walk.side + k / 3 - 1;
+            const int next = z * walk.side + x;
+            if (k == 4 || !walk.height.holds(x, z))
+                continue;
+            const float cost = here.cost + costOf(walk, here.place, next);
+            if (cost >= ways.cost[size_t(next)])
+                continue;
+            ways.cost[size_t(next)] = cost;
+            ways.from[size_t(next)] = here.place;
+            front.push({cost, next});
+        }
+    }
+    return ways;
+}
+
+// Makes the way cheaper for later walkers, and returns it.
+static Course wear(Walk &walk, const Ways &ways, int goal)
+{
+    Course track;
+    for (int place = goal; place >= 0; place = ways.from[size_t(place)])
+    {
+        walk.wear.cells[size_t(place)] = WORN;
+        const int x = place % walk.side * walk.pace;
+        const int z = place / walk.side * walk.pace;
+        track.push_back({walk.plan.toWorld(x), walk.plan.toWorld(z), 0, 0});
+    }
+    return smoothed(smoothed(track, 2), 2);
+}
+
+// Leads a track from each village to the one of those already linked that is cheapest to reach:
+// the minimum spanning tree.
+static std::vector<Course> linkAll(Walk &walk, const std::vector<Place> &villages)
+{
+    std::vector<Course> tracks;
+    std::vector<size_t> rest;
+    for (size_t i = 1; i < villages.size(); ++i)
+        rest.push_back(i);
+    std::vector<float> cost(villages.size(), 1e30f);
+    std::vector<Course> best(villages.size());
+    size_t linked = 0;
+    while (!rest.empty())
+    {
+        const Ways ways = findWays(walk, placeOf(walk, villages[linked]));
+        for (const size_t i : rest)
+        {
+            const int goal = placeOf(walk, villages[i]);
+            if (ways.cost[size_t(goal)] >= cost[i])
+                continue;
+            cost[i] = ways.cost[size_t(goal)];
+            Walk trial = walk;
+            best[i] = wear(trial, ways, goal);
+        }
+        const auto next = std::min_element(rest.begin(), rest.end(),
+                                           [&](size_t a, size_t b) { return cost[a] < cost[b]; });
+        linked = *next;
+        rest.erase(next);
+        tracks.push_back(best[linked]);
+    }
+    return tracks;
+}
+
+std::vector<Course> layTracks(const Plan &plan, const Waters &waters, const Field &height,
+                              const std::vector<Place> &villages)
+{
+    Walk walk = surveyGround(plan, waters, height);
+    std::vector<Course> tracks;
+    if (!villages.empty())
+        tracks = linkAll(walk, villages);
+    return tracks;
+}
+
+Field wornBy(const Plan &plan, const std::vector<Course> &tracks)
+{
+    const Nearby near = surveyCourses(plan, tracks, 60);
+    Field worn = plan.field();
+    worn.paint(
+        [&](int x, int z)
+        {
+            const float x0 = plan.toWorld(x);
+            const float z0 = plan.toWorld(z);
+            const float width = TRACK_HALF_WIDTH + 4 * plan.waves(x0, z0, 300, 1, 63);
+            return soft(width + 13, width - 13, near.distance.at(x, z));
+        });
+    return worn;
+}

@@ -1,0 +1,233 @@
+// tumbledown-land - paints the eight images of a new land into a folder.
+//
+// Whatever is refused gets one line on standard error and status 2, before anything is written. A
+// failure while painting or writing gets one line and status 1.
+#include "images.h"
+#include "land.h"
+#include "painters.h"
+#include "progress.h"
+
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <getopt.h>
+#include <new>
+#include <optional>
+#include <sys/stat.h>
+
+constexpr int STAGES = 12; // that the painters start when a land needs no mending
+
+constexpr int SMALLEST_SIDE = 351; // samples
+constexpr int LARGEST_SIDE = 1501;
+constexpr int SIDE_STEP = 25;
+constexpr int SHIPPED_SIDE = 751;
+
+constexpr int REFUSED = 2;
+
+constexpr const char *IMAGES[] = {"Map",       "MapTex",  "TexNoise",  "TexCube",
+                                  "TexSkyBox", "TexTank", "TexPerson", "TexPersonBack"};
+
+constexpr char HELP[] =
+    "Usage: tumbledown-land FOLDER [--seed N] [--side N] [--force]\n"
+    "Paints the eight images of a new land for Tumbledown into the folder.\n"
+    "\n"
+    "  --seed N   grow the land from this number, 0 to 4294967295. Without it the clock\n"
+    "             chooses one.\n"
+    "  --side N   samples along each side: %d to %d, a multiple of %d plus one. Without\n"
+    "             it %d. On a larger land people and tanks are farther apart.\n"
+    "  --force    replace images that are in the folder already\n"
+    "  --help     show this text\n"
+    "  --version  show the version\n";
+
+namespace
+{
+enum Option
+{
+    OPTION_SEED = 1,
+    OPTION_SIDE,
+    OPTION_FORCE,
+    OPTION_HELP,
+    OPTION_VERSION
+};
+
+struct Order
+{
+    std::string folder;
+    uint32_t seed;
+    int side;
+    bool force;
+};
+} // namespace
+
+constexpr option OPTIONS[] = {{"seed", required_argument, nullptr, OPTION_SEED},
+                              {"side", required_argument, nullptr, OPTION_SIDE},
+                              {"force", no_argument, nullptr, OPTION_FORCE},
+                              {"help", no_argument, nullptr, OPTION_HELP},
+                              {"version", no_argument, nullptr, OPTION_VERSION},
+                              {}};
+
+static int complain(const std::string &fault, int status)
+{
+    endProgress();
+    fprintf(stderr, "tumbledown-land: %s\n", fault.c_str());
+    return status;
+}
+
+[[noreturn]] static void refuse(const std::string &fault)
+{
+    exit(complain(fault, REFUSED));
+}
+
+static std::optional<uint32_t> numberIn(const std::string &text) // digits and nothing else
+{
+    uint32_t number = 0;
+    const char *end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end)
+        return {};
+    return number;
+}
+
+static uint32_t seedIn(const std::string &text)
+{
+    const std::optional<uint32_t> seed = numberIn(text);
+    if (!seed)
+        refuse("the seed '" + text + "' is not a whole number from 0 to 4294967295");
+    return *seed;
+}
+
+static int sideIn(const std::string &text)
+{
+    const std::optional<uint32_t> side = numberIn(text);
+    if (!side || *side < SMALLEST_SIDE || *side > LARGEST_SIDE || *side % SIDE_STEP != 1)
+        refuse("the side '" + text +
+               "' is not one of 351, 376, 401 ... 1501 (multiples of 25, plus one)");
+    return int(*side);
+}
+
+static uint32_t seedFromClock()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return uint32_t(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+// argv holds the word that getopt_long has just refused, unless that is an option of one letter.
+[[noreturn]] static void refuseOption(int result, char **argv)
+{
+    const bool letter = optopt > OPTION_VERSION;
+    const std::string word = letter ? std::string("-") + char(optopt) : argv[optind - 1];
+    refuse(result == ':' ? word + " needs a number" : "unknown option '" + word + "'; see --help");
+}
+
+static Order readArguments(int argc, char **argv)
+{
+    Order order = {"", seedFromClock(), SHIPPED_SIDE, false};
+    opterr = 0;
+    for (int result; (result = getopt_long(argc, argv, ":", OPTIONS, nullptr)) != -1;)
+        switch (result)
+        {
+        case OPTION_SEED:
+            order.seed = seedIn(optarg);
+            break;
+        case OPTION_SIDE:
+            order.side = sideIn(optarg);
+            break;
+        case OPTION_FORCE:
+            order.force = true;
+            break;
+        case OPTION_HELP:
+            printf(HELP, SMALLEST_SIDE, LARGEST_SIDE, SIDE_STEP, SHIPPED_SIDE);
+            exit(EXIT_SUCCESS);
+        case OPTION_VERSION:
+            puts("tumbledown-land " TUMBLEDOWN_VERSION);
+            exit(EXIT_SUCCESS);
+        default:
+            refuseOption(result, argv);
+        }
+    if (optind == argc || !*argv[optind])
+        refuse("no folder is given; see --help");
+    if (optind + 1 < argc)
+        refuse("only one folder can be given, but '" + std::string(argv[optind + 1]) +
+               "' is another");
+    order.folder = argv[optind];
+    return order;
+}
+
+// An image of one of the names is replaced only by --force, and only if it is a file.
+static void refuseImagesThere(const Order &order)
+{
+    for (const char *name : IMAGES)
+    {
+        const std::string path = pathOf(order.folder, name);
+        struct stat state = {};
+        if (lstat(path.c_str(), &state) != 0)
+            continue;
+        if (!order.force)
+            refuse(path + " is there already; --force replaces the images in the folder");
+        if (S_ISDIR(state.st_mode))
+            refuse(path + " is a folder");
+    }
+}
+
+static Images paint(const Order &order)
+{
+    Images images;
+    showProgress(STAGES);
+    const Land land = makeLand(order.seed, order.side);
+    paintLand(images, land);
+    paintGround(images, land);
+    paintCube(images);
+    paintSky(images);
+    paintTank(images);
+    paintPeople(images);
+    startStage("Writing the images");
+    return images;
+}
+
+// The text as a shell reads it back as one word that is no option.
+static std::string quoted(const std::string &text)
+{
+    std::string word = text[0] == '-' ? "./" + text : text;
+    constexpr char PLAIN[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+";
+    if (word.find_first_not_of(PLAIN) == std::string::npos)
+        return word;
+    std::string result = "'";
+    for (const char c : word)
+        result += c == '\'' ? "'\\''" : std::string(1, c);
+    return result + "'";
+}
+
+static int run(const Order &order)
+{
+    refuseImagesThere(order);
+    const std::string obstacle = findFault(order.folder);
+    if (!obstacle.empty())
+        return complain(obstacle, REFUSED);
+    printf("Painting the land of seed %u with %d samples a side\n", order.seed, order.side);
+    const std::string fault = saveImages(order.folder, paint(order), order.force);
+    endProgress();
+    if (!fault.empty())
+        return complain(fault, EXIT_FAILURE);
+    const std::string folder = quoted(order.folder);
+    printf("The land of seed %u, %d samples a side, is in %s\n"
+           "To play it: tumbledown %s (in a checkout of the source: ./play %s)\n",
+           order.seed, order.side, folder.c_str(), folder.c_str(), folder.c_str());
+    return EXIT_SUCCESS;
+}
+
+int main(int argc, char **argv)
+{
+    signal(SIGXFSZ, SIG_IGN); // a file that may not grow on is then reported like a full disk
+    const Order order = readArguments(argc, argv);
+    try
+    {
+        return run(order);
+    }
+    catch (const std::bad_alloc &)
+    {
+        return complain("there is not enough memory", EXIT_FAILURE);
+    }
+}

@@ -1,0 +1,478 @@
+#include "water.h"
+
+#include "coast.h"
+#include "drainage.h"
+
+constexpr float RIVER_BED = 16;        // depth of a river's water below the banks
+constexpr float RIVER_HALF_WIDTH = 20; // at the source
+constexpr float RIVER_WIDENING = 18;   // and as much more where it carries FULL_FLOW
+constexpr float FULL_FLOW = 40000;     // samples that drain to it
+constexpr float SOURCE_FLOW = 3200;    // what a river starts with
+constexpr int SHORTEST_RIVER = 36;     // samples
+constexpr float RIVER_BANK = 190;      // from the water to where the valley floor is level again
+constexpr float MEANDER = 110;         // sway of rivers that have hardly any fall
+constexpr float WHITE_WATER[] = {0.25f, 0.42f}; // slope of the course: none .. all white
+constexpr float SHORE_RISE = 0.16f;             // slope of the ground about a lake
+constexpr float STEEP_RISE = 0.66f;             // and where mountains meet the fjord
+constexpr int SMALLEST_LAKE = 90;               // samples
+constexpr float SHALLOWEST_LAKE = 12;           // depth below the way out, at the deepest place
+constexpr int LARGEST_LAKE = 2600; // samples; the way out of a larger one is cut deeper
+constexpr float CUTS[] = {42, 28, 15, 6,
+                          2};      // depth below the way out that a large lake keeps, in turn
+constexpr float CUT_SLOPE = 0.42f; // of the sides of such a cut
+constexpr float CUT_REACH = 700;
+constexpr float LAKE_DEPTH = 3;     // what lies so far below the way out belongs to the lake
+constexpr float LAKE_FLOW = 1500;   // lakes with less water dry up
+constexpr float SLIGHT_RISE = 1.5f; // of a river's ground; nobody sees that it runs uphill
+constexpr float DEEPENING = 1.2f;   // what a bed is lowered for each unit of such a rise
+constexpr float FAR_SHORE = 2000;
+constexpr float LANDING_WALL = 90; // height, for the streams alone
+
+// Rain falls most on the mountains and in the snow, and hardly any on the dry highland.
+static Field rainOn(const std::vector<Field> &countries, const Field &height)
+{
+    Field rain = height;
+    for (size_t i = 0; i < rain.cells.size(); ++i)
+        rain.cells[i] = 0.8f + height.cells[i] / 500 - 0.75f * countries[COUNTRY_HIGHLAND].cells[i];
+    return rain;
+}
+
+// How high the ground may be at a distance from the water.
+static float shoreRise(float distance, float steepness)
+{
+    return distance * mix(SHORE_RISE, STEEP_RISE, steepness) +
+           square(distance / mix(55, 35, steepness));
+}
+
+// Slopes the land to the fjord and fills the fjord; the ponds of the marsh are as low.
+static Grid<char> meetFjord(const Plan &plan, const std::vector<Field> &countries, Field &height,
+                            Field &standing)
+{
+    Grid<char> sea(plan.side, plan.side);
+    for (int z = 0; z < plan.side; ++z)
+        for (int x = 0; x < plan.side; ++x)
+        {
+            const float wx = plan.toWorld(x);
+            const float wz = plan.toWorld(z);
+            const float shore = shoreDistance(plan, wx, wz);
+            float &h = height.at(x, z);
+            const int isPond = h < WATER_LEVEL + 3 && countries[COUNTRY_MARSH].at(x, z) > 0.6f;
+            sea.at(x, z) = shore <= 0;
+            standing.at(x, z) = shore <= 0 || isPond ? WATER_LEVEL : 0;
+            h = std::max(h, WATER_LEVEL + 5);
+            if (standing.at(x, z) > 0)
+                h = WATER_LEVEL;
+            else
+                h = std::min(h, WATER_LEVEL + shoreRise(shore, coastSteepness(plan, wx, wz)));
+        }
+    return sea;
+}
+
+// The samples of the hollow about one of them.
+static std::vector<int> hollowAbout(const Field &depth, const Field &level, int first,
+                                    std::vector<char> &isSeen)
+{
+    std::vector<int> found = {first};
+    isSeen[size_t(first)] = 1;
+    for (size_t i = 0; i < found.size(); ++i)
+        for (const int step : {-1, 1, -depth.width, depth.width})
+        {
+            const int next = found[i] + step; // hollows never reach the end of the land
+            if (isSeen[size_t(next)] || depth.cells[size_t(next)] < LAKE_DEPTH ||
+                level.cells[size_t(next)] != level.cells[size_t(first)])
+                continue;
+            isSeen[size_t(next)] = 1;
+            found.push_back(next);
+        }
+    return found;
+}
+
+using Hollow = std::vector<int>; // its samples; the first one is where water runs out
+
+static std::vector<Hollow> findHollows(const Drainage &drainage, const Field &height)
+{
+    Field depth = drainage.level;
+    for (size_t i = 0; i < depth.cells.size(); ++i)
+        depth.cells[i] -= height.cells[i];
+    std::vector<char> isSeen(depth.cells.size());
+    std::vector<Hollow> hollows;
+    for (const int cell : drainage.order)
+        if (!isSeen[size_t(cell)] && depth.cells[size_t(cell)] >= LAKE_DEPTH)
+            hollows.push_back(hollowAbout(depth, drainage.level, cell, isSeen));
+    return hollows;
+}
+
+static int bottomOf(const Hollow &hollow, const Field &height)
+{
+    return *std::min_element(hollow.begin(), hollow.end(),
+                             [&](int a, int b)
+                             { return height.cells[size_t(a)] < height.cells[size_t(b)]; });
+}
+
+// The line of a cut that drains a hollow down to so many units above its bottom.
+static Course cutThrough(const Plan &plan, const Drainage &drainage, const Field &height,
+                         int bottom, float depth)
+{
+    Course cut;
+    float level = height.cells[size_t(bottom)] + depth;
+    for (int cell = bottom; cell >= 0; cell = drainage.toward[size_t(cell)])
+    {
+        const float ground = height.cells[size_t(cell)];
+        if (drainage.level.cells[size_t(cell)] <= level)
+            break;
+        cut.push_back({plan.toWorld(cell % plan.side), plan.toWorld(cell / plan.side),
+                       std::min(level, ground), 0});
+        level -= 0.02f * SPACING;
+    }
+    return smoothed(cut, 4);
+}
+
+static std::vector<Course> cutsOfLargeHollows(const Plan &plan, const Drainage &drainage,
+                                              const Field &height, float depth)
+{
+    std::vector<Course> cuts;
+    for (const Hollow &hollow : findHollows(drainage, height))
+        if (int(hollow.size()) > LARGEST_LAKE)
+            cuts.push_back(cutThrough(plan, drainage, height, bottomOf(hollow, height), depth));
+    return cuts;
+}
+
+static void dig(const Plan &plan, const std::vector<Course> &cuts, Field &height)
+{
+    const Nearby near = surveyCourses(plan, cuts, CUT_REACH);
+    for (size_t i = 0; i < height.cells.size(); ++i)
+        if (near.distance.cells[i] < CUT_REACH)
+            height.cells[i] =
+                std::min(height.cells[i], near.level.cells[i] + CUT_SLOPE * near.distance.cells[i]);
+}
+
+static int isLake(const Hollow &hollow, const Drainage &drainage, const Field &height)
+{
+    const size_t bottom = size_t(bottomOf(hollow, height));
+    const float depth = drainage.level.cells[bottom] - height.cells[bottom];
+    return int(hollow.size()) >= SMALLEST_LAKE && depth >= SHALLOWEST_LAKE &&
+           drainage.flow.cells[size_t(hollow[0])] >= LAKE_FLOW;
+}
+
+// Deep hollows through which much water comes are lakes.
+static void fillLakes(const Drainage &drainage, const Field &height, Field &standing)
+{
+    for (const Hollow &hollow : findHollows(drainage, height))
+    {
+        if (!isLake(hollow, drainage, height))
+            continue;
+        for (const int cell : hollow)
+            standing.cells[size_t(cell)] =
+                std::max(drainage.level.cells[size_t(cell)] - RIVER_BED, WATER_LEVEL);
+    }
+}
+
+namespace
+{
+struct Streams // what is a river, sample by sample
+{
+    std::vector<int> above;  // the next sample upstream along the longest way, or -1
+    std::vector<int> length; // samples to the source that way, 0 where there is no river
+};
+} // namespace
+
+static Streams findStreams(const Drainage &drainage)
+{
+    const size_t count = drainage.toward.size();
+    Streams streams = {std::vector<int>(count, -1), std::vector<int>(count, 0)};
+    for (size_t i = drainage.order.size(); i-- > 0;)
+    {
+        const size_t cell = size_t(drainage.order[i]);
+        const int below = drainage.toward[cell];
+        if (drainage.flow.cells[cell] < SOURCE_FLOW || below < 0)
+            continue;
+        streams.length[cell] += 1;
+        if (streams.length[cell] <= streams.length[size_t(below)])
+            continue;
+        streams.length[size_t(below)] = streams.length[cell];
+        streams.above[size_t(below)] = int(cell);
+    }
+    return streams;
+}
+
+// From the source down to the sample and to the one below it.
+static Course courseTo(const Plan &plan, const Drainage &drainage, const Streams &streams,
+                       int mouth)
+{
+    Course course;
+    for (int cell = drainage.toward[size_t(mouth)], next = mouth; cell >= 0;
+         cell = next, next = next < 0 ? -1 : streams.above[size_t(next)])
+    {
+        const float share = std::min(drainage.flow.cells[size_t(cell)] / FULL_FLOW, 1.0f);
+        course.push_back({plan.toWorld(cell % plan.side), plan.toWorld(cell / plan.side),
+                          drainage.level.cells[size_t(cell)],
+                          RIVER_HALF_WIDTH + RIVER_WIDENING * std::sqrt(share)});
+    }
+    std::reverse(course.begin(), course.end());
+    return course;
+}
+
+// Where the land is flat, rivers wind.
+static void meander(const Plan &plan, Course &course)
+{
+    const int last = int(course.size()) - 1;
+    for (int i = 0; i <= last; ++i)
+    {
+        CoursePoint &p = course[size_t(i)];
+        const float fall =
+            course[size_t(std::max(i - 8, 0))].level - course[size_t(std::min(i + 8, last))].level;
+        const float ends = std::min(float(std::min(i, last - i)) / 12, 1.0f);
+        const float sway = MEANDER * ends * soft(0.08f, 0, fall / (16 * SPACING));
+        const float x = p.x;
+        p.x += sway * plan.waves(x, p.z, 460, 2, 51);
+        p.z += sway * plan.waves(x, p.z, 460, 2, 52);
+    }
+}
+
+// Lowers the banks' level to that of the water, which falls all the way.
+static void digBed(Course &course, float mouthLevel)
+{
+    float level = HEIGHT_RANGE;
+    for (size_t i = 0; i < course.size(); ++i)
+    {
+        const float depth = RIVER_BED * std::min(float(i) / 16, 1.0f);
+        level = std::min(level, course[i].level - depth);
+        course[i].level = std::max(level, mouthLevel);
+    }
+}
+
+static Course shapeRiver(const Plan &plan, const Course &raw, const Course *into)
+{
+    Course course = smoothed(smoothed(raw, 7), 7);
+    meander(plan, course);
+    CoursePoint &mouth = course.back();
+    float mouthLevel = WATER_LEVEL;
+    if (into)
+    {
+        const CoursePoint meeting = nearestPoint(*into, mouth.x, mouth.z);
+        mouth = {meeting.x, meeting.z, mouth.level, mouth.halfWidth};
+        mouthLevel = meeting.level;
+    }
+    course = smoothed(course, 3);
+    digBed(course, mouthLevel);
+    return course;
+}
+
+// Long streams come before those that run into them.
+static std::vector<Course> traceRivers(const Plan &plan, const Drainage &drainage,
+                                       const Grid<char> &sea)
+{
+    const Streams streams = findStreams(drainage);
+    std::vector<Course> rivers;
+    std::vector<int> riverAt(drainage.toward.size(), -1);
+    for (const int cell : drainage.order)
+    {
+        const int below = drainage.toward[size_t(cell)];
+        if (streams.length[size_t(cell)] < SHORTEST_RIVER || below < 0 || sea.cells[size_t(cell)] ||
+            (!sea.cells[size_t(below)] && streams.above[size_t(below)] == cell))
+            continue;
+        const int into = riverAt[size_t(below)];
+        for (int up = cell; up >= 0; up = streams.above[size_t(up)])
+            riverAt[size_t(up)] = int(rivers.size());
+        rivers.push_back(shapeRiver(plan, courseTo(plan, drainage, streams, cell),
+                                    into < 0 ? nullptr : &rivers[size_t(into)]));
+    }
+    return rivers;
+}
+
+namespace
+{
+struct NearestWater // in sweeps over the grid: each sample asks its neighbours for theirs
+{
+    const Plan &plan;
+    std::vector<int> cell; // -1: none known yet
+
+    float distance(int x, int z, int to) const
+    {
+        return to < 0 ? FAR_SHORE
+                      : length(float(x - to % plan.side), float(z - to / plan.side)) * SPACING;
+    }
+    void ask(int x, int z, int nx, int nz)
+    {
+        if (nx < 0 || nz < 0 || nx >= plan.side || nz >= plan.side)
+            return;
+        const int theirs = cell[size_t(nz * plan.side + nx)];
+        int &mine = cell[size_t(z * plan.side + x)];
+        if (distance(x, z, theirs) < distance(x, z, mine))
+            mine = theirs;
+    }
+    void sweep(int step) // 1 up or -1 down
+    {
+        const int start = step > 0 ? 0 : plan.side - 1;
+        for (int z = start; z >= 0 && z < plan.side; z += step)
+        {
+            for (int i = 0; i < plan.side; ++i)
+                for (int k = -1; k <= 1; ++k)
+                    ask(start + step * i, z, start + step * i + k, z - step);
+            for (int i = 0; i < plan.side; ++i)
+                ask(start + step * i, z, start + step * (i - 1), z);
+            for (int i = plan.side - 1; i >= 0; --i)
+                ask(start + step * i, z, start + step * (i + 1), z);
+        }
+    }
+};
+} // namespace
+
+static void surveyShores(const Plan &plan, const Field &standing, Waters &waters)
+{
+    NearestWater nearest = {plan, std::vector<int>(standing.cells.size(), -1)};
+    for (size_t i = 0; i < standing.cells.size(); ++i)
+        if (standing.cells[i] > 0)
+            nearest.cell[i] = int(i);
+    nearest.sweep(1);
+    nearest.sweep(-1);
+    for (int z = 0; z < plan.side; ++z)
+        for (int x = 0; x < plan.side; ++x)
+        {
+            const int water = nearest.cell[size_t(z * plan.side + x)];
+            waters.shore.at(x, z) = nearest.distance(x, z, water);
+            waters.shoreLevel.at(x, z) = water < 0 ? WATER_LEVEL : standing.cells[size_t(water)];
+        }
+}
+
+static void carve(const Plan &plan, const Waters &waters, Field &height)
+{
+    for (int z = 0; z < plan.side; ++z)
+        for (int x = 0; x < plan.side; ++x)
+        {
+            float &h = height.at(x, z);
+            const float bank = soft(RIVER_BANK, waters.river.halfWidth.at(x, z) + 6,
+                                    waters.river.distance.at(x, z));
+            h = mix(h, waters.river.level.at(x, z), bank);
+            const float shore = waters.shore.at(x, z);
+            const float steep = waters.shoreLevel.at(x, z) > WATER_LEVEL
+                                    ? 0.15f
+                                    : coastSteepness(plan, plan.toWorld(x), plan.toWorld(z));
+            const float level = waters.shoreLevel.at(x, z);
+            h = shore > 0 ? std::min(h, level + shoreRise(shore, steep)) : level;
+        }
+}
+
+// Slight waves keep streams from running straight over even ground, and a wall that is not there
+// leads them around the landing place.
+static Field roughened(const Plan &plan, const Field &height)
+{
+    Field rough = height;
+    for (int z = 0; z < plan.side; ++z)
+        for (int x = 0; x < plan.side; ++x)
+        {
+            const float wx = plan.toWorld(x);
+            const float wz = plan.toWorld(z);
+            const float wall = segmentDistance(wx, wz, {0, -150, 0, 2 * LANDING_Z + 150});
+            if (height.at(x, z) > WATER_LEVEL)
+                rough.at(x, z) +=
+                    3 + 5 * plan.waves(wx, wz, 300, 2, 53) + LANDING_WALL * soft(800, 450, wall);
+        }
+    return rough;
+}
+
+// Drains the land, and cuts deeper ways out of the hollows that would make too large lakes.
+static Drainage drainWell(const Plan &plan, const Grid<char> &sea, const Field &rain, Field &height,
+                          Field &rough)
+{
+    rough = roughened(plan, height);
+    Drainage drainage = drain(rough, sea, rain);
+    for (const float depth : CUTS)
+    {
+        const std::vector<Course> cuts = cutsOfLargeHollows(plan, drainage, rough, depth);
+        if (cuts.empty())
+            break;
+        dig(plan, cuts, height);
+        rough = roughened(plan, height);
+        drainage = drain(rough, sea, rain);
+    }
+    return drainage;
+}
+
+Waters layWater(const Plan &plan, const std::vector<Field> &countries, Field &height)
+{
+    Field standing = plan.field();
+    const Grid<char> sea = meetFjord(plan, countries, height, standing);
+    Field rough = height;
+    const Drainage drainage = drainWell(plan, sea, rainOn(countries, height), height, rough);
+    Waters waters = {traceRivers(plan, drainage, sea),
+                     {plan.field(), plan.field(), plan.field()},
+                     plan.field(),
+                     plan.field()};
+    fillLakes(drainage, rough, standing);
+    waters.river = surveyCourses(plan, waters.rivers, RIVER_BANK + 60);
+    surveyShores(plan, standing, waters);
+    carve(plan, waters, height);
+    return waters;
+}
+
+// The course with what each point rises above the lowest one upstream as its level.
+static Course risesOf(const Course &river, const Field &height)
+{
+    Course rises = river;
+    float lowest = HEIGHT_RANGE;
+    for (CoursePoint &p : rises)
+    {
+        const float seen = std::max(heightAt(height, p.x, p.z), WATER_LEVEL);
+        lowest = std::min(lowest, seen);
+        p.level = seen - lowest;
+    }
+    return rises;
+}
+
+int deepenBeds(const Plan &plan, const Waters &waters, const Field &height, Field &wanted)
+{
+    std::vector<Course> rises;
+    for (const Course &river : waters.rivers)
+        rises.push_back(risesOf(river, height));
+    const Nearby near = surveyCourses(plan, rises, RIVER_BANK);
+    float highest = 0;
+    for (size_t i = 0; i < wanted.cells.size(); ++i)
+    {
+        const float bank = soft(RIVER_BANK, near.halfWidth.cells[i], near.distance.cells[i]);
+        highest = std::max(highest, near.level.cells[i] * bank);
+        wanted.cells[i] -= DEEPENING * near.level.cells[i] * bank;
+    }
+    return highest > SLIGHT_RISE;
+}
+
+Field waterSurface(const Plan &plan, const Waters &waters, const Field &height)
+{
+    Field water = plan.field();
+    water.paint(
+        [&](int x, int z)
+        {
+            const float above = height.at(x, z) - waters.shoreLevel.at(x, z);
+            const float lake = soft(24, 0, waters.shore.at(x, z)) * soft(12, 4, above);
+            const float width = waters.river.halfWidth.at(x, z);
+            const float river =
+                width > 0 ? soft(width + 14, width - 14, waters.river.distance.at(x, z)) : 0;
+            return isCliff(plan, plan.toWorld(x), plan.toWorld(z)) ? lake : std::max(lake, river);
+        });
+    return water;
+}
+
+static float slopeOf(const Course &course, size_t i)
+{
+    const size_t first = i < 3 ? 0 : i - 3;
+    const size_t last = std::min(i + 3, course.size() - 1);
+    return (course[first].level - course[last].level) / (float(last - first) * SPACING);
+}
+
+Field riverFalls(const Plan &plan, const Waters &waters)
+{
+    std::vector<Course> steepness = waters.rivers; // with the slope in place of the height
+    for (size_t k = 0; k < steepness.size(); ++k)
+        for (size_t i = 0; i < steepness[k].size(); ++i)
+            steepness[k][i].level = slopeOf(waters.rivers[k], i);
+    const Nearby near = surveyCourses(plan, steepness, 60);
+    Field fall = plan.field();
+    fall.paint(
+        [&](int x, int z)
+        {
+            const float width = near.halfWidth.at(x, z) + 4;
+            return soft(width + 12, width - 12, near.distance.at(x, z)) *
+                   soft(WHITE_WATER[0], WHITE_WATER[1], near.level.at(x, z));
+        });
+    return fall;
+}

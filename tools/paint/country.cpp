@@ -17,11 +17,11 @@ constexpr Colour CONIFER = hex(0x2E7C38);
 constexpr Colour SILVER_FIR = hex(0x2C5E54);
 constexpr Colour BIRCH = hex(0xA6B83A);
 constexpr Colour AUTUMN = hex(0xD88A34);
-constexpr Colour WET_MEADOW = hex(0x74AE34);
-constexpr Colour REED = hex(0xC8B44A);
-constexpr Colour REED_GREEN = hex(0x86A838);
-constexpr Colour PEAT = hex(0x6A5636);
-constexpr Colour POOL = hex(0x2A9CBC);
+constexpr Colour WET_MEADOW = hex(0x8EC83A);
+constexpr Colour REED = hex(0xE0C44C);
+constexpr Colour REED_GREEN = hex(0x9CBC3C);
+constexpr Colour PEAT = hex(0x7C663C);
+constexpr Colour POOL = hex(0x30A8D0);
 constexpr Colour LILIES = hex(0xF8D2E0);
 constexpr Colour HEATH = hex(0xA89A6A);
 constexpr Colour ROCK = hex(0xDCA05C);
@@ -41,9 +41,9 @@ constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // from grass to bare rock, as ri
 constexpr float GULLY_DEPTH = 70; // units below the surroundings at which a gully is darkest
 constexpr float CROWN_CELL = 86;  // units from tree to tree in a wood
 constexpr float LONE_TREE_CELL = 240;
-constexpr float TREE_SHADOW = 45;       // units that a wood throws its shadow
-constexpr float BAND_HEIGHT = 21;       // of a layer of red rock
-constexpr float CHANNEL_WIDTH = 0.045f; // of a delta's braids, as a value of their noise
+constexpr float TREE_SHADOW = 45;     // units that a wood throws its shadow
+constexpr float BAND_HEIGHT = 21;     // of a layer of red rock
+constexpr float BRAID_WIDTH = 0.045f; // of the waters of a delta, as a value of their noise
 
 Clump clumpAt(const Spot &spot, float cell, float radius, int number)
 {
@@ -150,28 +150,33 @@ static Colour woodFloor(const Spot &spot)
                     spot);
 }
 
-// Distance from the middle of the nearest braid of a delta: 0 in the middle, about 1 far away.
+// How far the nearest braid of the delta is: 0 in its middle, 1 at its bank. Braids widen to
+// lagoons here and there and avoid slopes.
 static float braidAt(const Spot &spot)
 {
     const float bend = 0.5f * noiseAt(spot.x / 260, spot.z / 260, 0, layer(spot, 50));
     const float x = spot.x / 620 + bend;
     const float z = spot.z / 620 - bend;
-    return std::min(std::fabs(noiseAt(x, z, 0, layer(spot, 51))),
-                    std::fabs(noiseAt(x * 1.7f, z * 1.7f, 0, layer(spot, 52))) * 0.8f);
+    const float middle =
+        std::min(std::fabs(noiseAt(x, z, 0, layer(spot, 51))),
+                 std::fabs(noiseAt(x * 1.7f, z * 1.7f, 0, layer(spot, 52))) * 0.8f);
+    const float lagoon =
+        soft(0, 0.4f, fractal(spot.x / 1100, spot.z / 1100, 0, 2, 0.5f, layer(spot, 57)));
+    return (middle + 2 * std::max(spot.slope - 0.05f, 0.0f)) / (BRAID_WIDTH * (1 + 1.8f * lagoon));
 }
 
 static Colour marshColour(const Spot &spot)
 {
-    const float braid = braidAt(spot) + 2 * std::max(spot.slope - 0.05f, 0.0f);
+    const float braid = braidAt(spot);
     const float patch = fractal(spot.x / 240, spot.z / 240, 0, 3, 0.6f, layer(spot, 53));
     const float stalks = noiseAt(spot.x / 34, spot.z / 90, 0, layer(spot, 56)) + spot.grain;
     Colour colour = mix(WET_MEADOW, LUSH, soft(-0.1f, 0.3f, patch)) * (1 + 0.12f * stalks);
     const Colour reeds = mix(REED_GREEN, REED, std::clamp(0.5f + 0.8f * stalks, 0.0f, 1.0f));
-    const float bed = soft(0.34f, 0.2f, braid + 0.35f * patch) * soft(0.25f, 0.12f, spot.slope);
+    const float bed = soft(7, 4, braid + 7 * patch) * soft(0.25f, 0.12f, spot.slope);
     colour = mix(colour, reeds, 0.9f * bed);
-    colour = mix(colour, PEAT, 0.8f * soft(2.1f, 1.3f, braid / CHANNEL_WIDTH));
+    colour = mix(colour, PEAT, 0.8f * soft(2.1f, 1.3f, braid));
     const Colour pool = spot.grain > 0.475f ? LILIES : POOL * (1 + 0.2f * spot.grain);
-    return mix(colour, pool, soft(1.3f, 0.8f, braid / CHANNEL_WIDTH));
+    return mix(colour, pool, soft(1.3f, 0.8f, braid));
 }
 
 static Colour heathColour(const Spot &spot)

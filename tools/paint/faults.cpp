@@ -57,15 +57,21 @@ float largestRise(const Land &land, const Course &river)
     return rise;
 }
 
+static int isByWater(const Land &land, float x, float z)
+{
+    float wettest = 0;
+    for (int k = 0; k < 9; ++k)
+        wettest = std::max(wettest, land.water.clamped(sampleAt(land, x) + k % 3 - 1,
+                                                       sampleAt(land, z) + k / 3 - 1));
+    return wettest > 0.5f;
+}
+
 static int areRiversGood(const Land &land)
 {
     for (const Course &river : land.rivers)
-    {
-        const CoursePoint &mouth = river.back();
         if (largestRise(land, river) > LARGEST_RISE ||
-            land.water.at(sampleAt(land, mouth.x), sampleAt(land, mouth.z)) < 0.5f)
+            !isByWater(land, river.back().x, river.back().z))
             return 0;
-    }
     return !land.rivers.empty();
 }
 

@@ -50,11 +50,11 @@ struct Hollow
 } // namespace
 
 constexpr Country_Shape SHAPES[COUNTRIES] = {
-    {PLAIN_LEVEL, 62, 25, 34, 0}, // meadow
+    {PLAIN_LEVEL, 64, 28, 46, 0}, // meadow
     {215, 95, 18, 30, 62},        // highland
-    {135, 80, 34, 46, 0},         // forest
-    {51, 7, 16, 0, 0},            // marsh
-    {300, 75, 26, 40, 0},         // snowfield
+    {135, 80, 36, 54, 0},         // forest
+    {54, 7, 17, 6, 0},            // marsh
+    {290, 80, 26, 52, 0},         // snowfield
 };
 
 float landingDistance(const Plan &plan, float x, float z)
@@ -220,7 +220,7 @@ static float openGround(const Plan &plan, const std::vector<Field> &countries, i
     const float x = plan.toWorld(sampleX);
     const float z = plan.toWorld(sampleZ);
     const Country_Shape shape = shapeAt(countries, sampleX, sampleZ);
-    const float plain = soft(3000, 900, length(x, (z - 900) * 0.6f));
+    const float plain = soft(2300, 700, length(x, (z - 700) * 0.6f));
     const float swell = 1.6f * shape.swell * plan.waves(x, z, 1300, 2, 21);
     const float hummock = 1.6f * shape.hummock * plan.waves(x, z, 340, 2, 22);
     const float fold = shape.fold * foldAt(plan, x, z) * (1 - plain);

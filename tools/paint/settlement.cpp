@@ -102,8 +102,8 @@ static int isApart(const std::vector<Place> &villages, const Place &place, float
                        { return length(other.x - place.x, other.z - place.z) > gap; });
 }
 
-// Evens out what the houses stand on.
-static void levelGround(const Plan &plan, const Place &place, Field &height)
+// Evens out the ground under the houses, but not the banks of a river.
+static void levelGround(const Plan &plan, const Waters &waters, const Place &place, Field &height)
 {
     const float mean = height.at(plan.toSample(place.x), plan.toSample(place.z));
     const int right = plan.toSample(place.x + 2 * place.radius);
@@ -113,7 +113,8 @@ static void levelGround(const Plan &plan, const Place &place, Field &height)
         {
             const float d = length(plan.toWorld(x) - place.x, plan.toWorld(z) - place.z);
             float &h = height.at(x, z);
-            h = mix(h, mean, 0.6f * soft(1.5f * place.radius, 0.5f * place.radius, d));
+            const float bank = soft(WATER_GAP, 80, waterDistance(waters, x, z));
+            h = mix(h, mean, 0.6f * soft(1.5f * place.radius, 0.5f * place.radius, d) * (1 - bank));
         }
 }
 
@@ -128,7 +129,7 @@ std::vector<Place> settle(const Plan &plan, const std::vector<Field> &countries,
             if (villages.size() < wanted && isApart(villages, site.place, gap))
                 villages.push_back(site.place);
     for (const Place &village : villages)
-        levelGround(plan, village, height);
+        levelGround(plan, waters, village, height);
     return villages;
 }
 
@@ -242,45 +243,98 @@ static Course wear(Walk &walk, const Ways &ways, int goal)
     return smoothed(smoothed(track, 2), 2);
 }
 
-// Leads a track from each village to the one of those already linked that is cheapest to reach:
-// the minimum spanning tree.
-static std::vector<Course> linkAll(Walk &walk, const std::vector<Place> &villages)
+using Costs = std::vector<std::vector<float>>; // of walking from village to village
+
+static Costs costsBetween(const Walk &walk, const std::vector<Place> &villages)
 {
-    std::vector<Course> tracks;
-    std::vector<size_t> rest;
-    for (size_t i = 1; i < villages.size(); ++i)
-        rest.push_back(i);
-    std::vector<float> cost(villages.size(), 1e30f);
-    std::vector<Course> best(villages.size());
-    size_t linked = 0;
-    while (!rest.empty())
+    Costs costs;
+    for (const Place &from : villages)
     {
-        const Ways ways = findWays(walk, placeOf(walk, villages[linked]));
-        for (const size_t i : rest)
-        {
-            const int goal = placeOf(walk, villages[i]);
-            if (ways.cost[size_t(goal)] >= cost[i])
-                continue;
-            cost[i] = ways.cost[size_t(goal)];
-            Walk trial = walk;
-            best[i] = wear(trial, ways, goal);
-        }
-        const auto next = std::min_element(rest.begin(), rest.end(),
-                                           [&](size_t a, size_t b) { return cost[a] < cost[b]; });
-        linked = *next;
-        rest.erase(next);
-        tracks.push_back(best[linked]);
+        const Ways ways = findWays(walk, placeOf(walk, from));
+        std::vector<float> row;
+        for (const Place &to : villages)
+            row.push_back(ways.cost[size_t(placeOf(walk, to))]);
+        costs.push_back(row);
     }
-    return tracks;
+    return costs;
+}
+
+namespace
+{
+struct Link // between two villages
+{
+    size_t from, to;
+};
+} // namespace
+
+// The cheapest links that join all villages: Prim's algorithm.
+static std::vector<Link> spanningTree(const Costs &costs)
+{
+    std::vector<Link> tree;
+    std::vector<Link> best; // to each village that is not yet joined
+    for (size_t i = 1; i < costs.size(); ++i)
+        best.push_back({0, i});
+    while (!best.empty())
+    {
+        const auto next = std::min_element(best.begin(), best.end(),
+                                           [&](const Link &a, const Link &b)
+                                           { return costs[a.from][a.to] < costs[b.from][b.to]; });
+        const Link link = *next;
+        tree.push_back(link);
+        best.erase(next);
+        for (Link &other : best)
+            if (costs[link.to][other.to] < costs[other.from][other.to])
+                other.from = link.to;
+    }
+    return tree;
+}
+
+// What it costs to walk from village to village on the links alone.
+static Costs costsAlong(const std::vector<Link> &links, const Costs &costs)
+{
+    const size_t n = costs.size();
+    Costs along(n, std::vector<float>(n, 1e30f));
+    for (const Link &link : links)
+        along[link.from][link.to] = along[link.to][link.from] = costs[link.from][link.to];
+    for (size_t via = 0; via < n; ++via)
+        for (size_t i = 0; i < n; ++i)
+            for (size_t k = 0; k < n; ++k)
+                along[i][k] = std::min(along[i][k], along[i][via] + along[via][k]);
+    return along;
+}
+
+// Adds the link that saves the longest detour, as long as there is one of more than DETOUR.
+static void addShortCuts(std::vector<Link> &links, const Costs &costs)
+{
+    for (size_t added = 0; added < costs.size() / 3; ++added)
+    {
+        const Costs along = costsAlong(links, costs);
+        Link best = {0, 0};
+        float longest = DETOUR;
+        for (size_t i = 0; i < costs.size(); ++i)
+            for (size_t k = i + 1; k < costs.size(); ++k)
+                if (along[i][k] > longest * costs[i][k])
+                {
+                    longest = along[i][k] / costs[i][k];
+                    best = {i, k};
+                }
+        if (best.to == 0)
+            return;
+        links.push_back(best);
+    }
 }
 
 std::vector<Course> layTracks(const Plan &plan, const Waters &waters, const Field &height,
                               const std::vector<Place> &villages)
 {
     Walk walk = surveyGround(plan, waters, height);
+    const Costs costs = costsBetween(walk, villages);
+    std::vector<Link> links = spanningTree(costs);
+    addShortCuts(links, costs);
     std::vector<Course> tracks;
-    if (!villages.empty())
-        tracks = linkAll(walk, villages);
+    for (const Link &link : links)
+        tracks.push_back(wear(walk, findWays(walk, placeOf(walk, villages[link.from])),
+                              placeOf(walk, villages[link.to])));
     return tracks;
 }
 

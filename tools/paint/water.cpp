@@ -9,6 +9,8 @@ constexpr float RIVER_WIDENING = 18;   // and as much more where it carries FULL
 constexpr float FULL_FLOW = 40000;     // samples that drain to it
 constexpr float SOURCE_FLOW = 3200;    // what a river starts with
 constexpr int SHORTEST_RIVER = 36;     // samples
+constexpr float MOUTH = 40;            // units that a river's arm runs on in the fjord
+constexpr size_t SHORTEST_ARM = 24;    // samples, of the arms in a delta
 constexpr float RIVER_BANK = 190;      // from the water to where the valley floor is level again
 constexpr float MEANDER = 110;         // sway of rivers that have hardly any fall
 constexpr float WHITE_WATER[] = {0.25f, 0.42f}; // slope of the course: none .. all white
@@ -280,6 +282,68 @@ static std::vector<Course> traceRivers(const Plan &plan, const Drainage &drainag
     return rivers;
 }
 
+// An arm of a river that leaves it at one of its points and drifts so far aside by its mouth.
+static Course armOf(const Course &river, size_t first, float drift)
+{
+    Course arm;
+    const CoursePoint &start = river[first];
+    const CoursePoint &mouth = river.back();
+    const float span = std::max(length(mouth.x - start.x, mouth.z - start.z), SPACING);
+    const float sideX = (mouth.z - start.z) / span;
+    const float sideZ = (start.x - mouth.x) / span;
+    for (size_t i = first; i < river.size(); ++i)
+    {
+        const float aside = drift * soft(-0.4f, 1, float(i - first) / float(river.size() - first)) -
+                            drift * soft(-0.4f, 1, 0);
+        arm.push_back({river[i].x + aside * sideX, river[i].z + aside * sideZ, river[i].level,
+                       0.75f * river[i].halfWidth});
+    }
+    return arm;
+}
+
+static int isInMarsh(const Plan &plan, const std::vector<Field> &countries, const CoursePoint &p)
+{
+    return countries[COUNTRY_MARSH].at(plan.toSample(p.x), plan.toSample(p.z)) > 0.5f;
+}
+
+// As far as it runs through marsh, and to the fjord; empty when it does not come there.
+static Course armToFjord(const Plan &plan, const std::vector<Field> &countries, const Course &arm)
+{
+    Course result;
+    for (const CoursePoint &p : arm)
+    {
+        result.push_back(p);
+        if (shoreDistance(plan, p.x, p.z) < -MOUTH)
+            return result;
+        if (!isInMarsh(plan, countries, p))
+            return {};
+    }
+    return {};
+}
+
+// Where a river comes to the fjord through marsh, it splits up.
+static void splitRivers(const Plan &plan, const std::vector<Field> &countries,
+                        std::vector<Course> &rivers)
+{
+    const size_t count = rivers.size();
+    for (size_t i = 0; i < count; ++i)
+    {
+        const Course river = rivers[i];
+        size_t first = river.size() - 1;
+        while (first > 0 && isInMarsh(plan, countries, river[first]))
+            --first;
+        for (const float drift : {-0.6f, -0.3f, 0.3f, 0.6f})
+        {
+            const size_t from =
+                river.size() - size_t(float(river.size() - first) * (0.4f + std::fabs(drift)));
+            const float reach = float(river.size() - from) * SPACING;
+            const Course arm = armToFjord(plan, countries, armOf(river, from, drift * reach));
+            if (arm.size() > SHORTEST_ARM)
+                rivers.push_back(arm);
+        }
+    }
+}
+
 namespace
 {
 struct NearestWater // in sweeps over the grid: each sample asks its neighbours for theirs
@@ -353,6 +417,15 @@ static void carve(const Plan &plan, const Waters &waters, Field &height)
         }
 }
 
+// Ponds of the marsh are as low as the fjord, so none can lie beside a river that is higher.
+static void drainPonds(const Nearby &river, const Grid<char> &sea, Field &standing)
+{
+    for (size_t i = 0; i < standing.cells.size(); ++i)
+        if (!sea.cells[i] && standing.cells[i] <= WATER_LEVEL &&
+            river.level.cells[i] > WATER_LEVEL + 0.5f)
+            standing.cells[i] = 0;
+}
+
 // Slight waves keep streams from running straight over even ground, and a wall that is not there
 // leads them around the landing place.
 static Field roughened(const Plan &plan, const Field &height)
@@ -400,7 +473,9 @@ Waters layWater(const Plan &plan, const std::vector<Field> &countries, Field &he
                      plan.field(),
                      plan.field()};
     fillLakes(drainage, rough, standing);
+    splitRivers(plan, countries, waters.rivers);
     waters.river = surveyCourses(plan, waters.rivers, RIVER_BANK + 60);
+    drainPonds(waters.river, sea, standing);
     surveyShores(plan, standing, waters);
     carve(plan, waters, height);
     return waters;

@@ -3,6 +3,7 @@
 # A script that calls openRoot calls closeRoot when it ends, best in a trap for EXIT.
 
 DEVELOPER=player # the ordinary user inside, who may use sudo without a password
+SOURCE=/home/$DEVELOPER/tumbledown
 
 needRoot()
 {
@@ -26,13 +27,16 @@ archives() # RELEASE
 # Sets scratch, a new folder, and root, the folder of the Debian in it.
 openRoot() # RELEASE
 {
+    local sources=()
+    [[ -n $1 ]] || fail "name a release of Debian, such as bookworm or trixie"
     scratch=$(mktemp -d)
     chmod 755 "$scratch"
     root=$scratch/root
     echo "Making a Debian $1 in $root"
     archives "$1" >"$scratch/sources"
-    mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" \
-        "$([[ ! -s $scratch/sources ]] || echo "$scratch/sources")" >"$scratch/log" 2>&1 ||
+    [[ ! -s $scratch/sources ]] || sources=("$scratch/sources")
+    mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" "${sources[@]}" \
+        >"$scratch/log" 2>&1 ||
         showLogAndFail "mmdebstrap could not make a Debian $1"
 }
 
@@ -61,8 +65,8 @@ inRoot() # USER COMMAND...
         shift 2
         mount -t proc proc "$root/proc" && mount -t tmpfs -o mode=1777 shm "$root/dev/shm" || exit
         exec chroot "$root" setpriv --reuid="$user" --regid="$user" --init-groups \
-            env -i -C "$(chroot "$root" sh -c "echo ~$user")" USER="$user" LC_ALL=C.UTF-8 \
-            HOME="$(chroot "$root" sh -c "echo ~$user")" DEBIAN_FRONTEND=noninteractive TERM=dumb \
+            env -i USER="$user" HOME="$(chroot "$root" sh -c "echo ~$user")" LC_ALL=C.UTF-8 \
+            DEBIAN_FRONTEND=noninteractive TERM=dumb \
             PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin "$@"
         ' - "$root" "$@" </dev/null >>"$scratch/log" 2>&1 &
     inside=$!
@@ -76,20 +80,18 @@ addSource()
 {
     inRoot root useradd -m -s /bin/bash "$DEVELOPER"
     echo "$DEVELOPER ALL=(ALL) NOPASSWD: ALL" >"$root/etc/sudoers.d/$DEVELOPER"
-    mkdir "$root/home/$DEVELOPER/tumbledown"
+    mkdir "$root$SOURCE"
     # Git refuses to read a checkout of another user unless its folder is named as safe.
-    git -c safe.directory="$PWD" archive HEAD | tar -x -C "$root/home/$DEVELOPER/tumbledown" ||
+    git -c safe.directory="$PWD" archive HEAD | tar -x -C "$root$SOURCE" ||
         fail "git could not read the commit that is checked out in $PWD"
-    inRoot root chown -R "$DEVELOPER:" "$PWD_IN_ROOT"
+    inRoot root chown -R "$DEVELOPER:" "$SOURCE"
 }
-
-PWD_IN_ROOT=/home/$DEVELOPER/tumbledown
 
 # Runs a command of the project in its folder as the ordinary user.
 develop() # COMMAND...
 {
     # shellcheck disable=SC2016 # the inner shell expands it
-    inRoot "$DEVELOPER" sh -c 'cd tumbledown && exec "$@"' - "$@"
+    inRoot "$DEVELOPER" sh -c 'cd "$0" && exec "$@"' "$SOURCE" "$@"
 }
 
 # Prints the version of an installed package of the root, or a dash.

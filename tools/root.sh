@@ -40,11 +40,18 @@ openRoot() # RELEASE
         showLogAndFail "mmdebstrap could not make a Debian $1"
 }
 
-# Ends what still runs in the root. Its mounts vanish with its last process.
+# Ends what still runs in the root and removes the root. The child of unshare is the first process of
+# the root's process namespace: all others end with it, and so do the mounts. The option --kill-child
+# does not work here, since the change to another user clears it.
 closeRoot()
 {
-    [[ -z ${inside-} ]] || kill -KILL "$inside" 2>/dev/null || true
-    [[ -z ${inside-} ]] || wait "$inside" 2>/dev/null || true
+    local first
+    if [[ -n ${inside-} ]]; then
+        first=$(cat "/proc/$inside/task/$inside/children" 2>/dev/null || true)
+        # shellcheck disable=SC2086 # one number or none
+        kill -KILL ${first:-"$inside"} 2>/dev/null || true
+        wait "$inside" 2>/dev/null || true
+    fi
     inside=''
     [[ -z ${scratch-} ]] || rm -rf --one-file-system "$scratch"
 }
@@ -60,7 +67,7 @@ showLogAndFail() # WORD...
 inRoot() # USER COMMAND...
 {
     # shellcheck disable=SC2016 # the inner shell expands it
-    unshare --fork --pid --kill-child --mount sh -c '
+    unshare --fork --pid --mount sh -c '
         root=$1 user=$2
         shift 2
         mount -t proc proc "$root/proc" && mount -t tmpfs -o mode=1777 shm "$root/dev/shm" || exit

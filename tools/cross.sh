@@ -30,7 +30,7 @@ start=$SECONDS
 develop ctest --preset cross
 tests=$(grep 'tests passed' "$scratch/log")
 echo "tested: $((SECONDS - start)) s, $tests"
-hash=$(find "$root$PWD_IN_ROOT/build/cross" -name replay.hash -exec cat {} +)
+hash=$(find "$root$SOURCE/build/cross" -name replay.hash -exec cat {} +)
 echo "The world at the end of the replay has the hash $hash."
 echo "| Debian $(cat "$root/etc/debian_version") ($release), arm64, cross-built, under qemu-user" \
     "$(versionOf qemu-user) |" \

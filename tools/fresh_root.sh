@@ -37,7 +37,7 @@ everyFile() # of the root but logs and caches
 buildPackage()
 {
     develop tools/package.sh
-    package=$(echo "$root$PWD_IN_ROOT"/build/package/tumbledown_*.deb)
+    package=$(echo "$root$SOURCE"/build/package/tumbledown_*.deb)
     mv "$package" "$scratch/tumbledown.deb"
 }
 

@@ -3,6 +3,7 @@
 # A script that calls openRoot calls closeRoot when it ends, best in a trap for EXIT.
 
 DEVELOPER=player # the ordinary user inside, who may use sudo without a password
+SOURCE=/home/$DEVELOPER/tumbledown
 
 needRoot()
 {
@@ -26,21 +27,31 @@ archives() # RELEASE
 # Sets scratch, a new folder, and root, the folder of the Debian in it.
 openRoot() # RELEASE
 {
+    local sources=()
+    [[ -n $1 ]] || fail "name a release of Debian, such as bookworm or trixie"
     scratch=$(mktemp -d)
     chmod 755 "$scratch"
     root=$scratch/root
     echo "Making a Debian $1 in $root"
     archives "$1" >"$scratch/sources"
-    mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" \
-        "$([[ ! -s $scratch/sources ]] || echo "$scratch/sources")" >"$scratch/log" 2>&1 ||
+    [[ ! -s $scratch/sources ]] || sources=("$scratch/sources")
+    mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" "${sources[@]}" \
+        >"$scratch/log" 2>&1 ||
         showLogAndFail "mmdebstrap could not make a Debian $1"
 }
 
-# Ends what still runs in the root. Its mounts vanish with its last process.
+# Ends what still runs in the root and removes the root. The child of unshare is the first process of
+# the root's process namespace: all others end with it, and so do the mounts. The option --kill-child
+# does not work here, since the change to another user clears it.
 closeRoot()
 {
-    [[ -z ${inside-} ]] || kill -KILL "$inside" 2>/dev/null || true
-    [[ -z ${inside-} ]] || wait "$inside" 2>/dev/null || true
+    local first
+    if [[ -n ${inside-} ]]; then
+        first=$(cat "/proc/$inside/task/$inside/children" 2>/dev/null || true)
+        # shellcheck disable=SC2086 # one number or none
+        kill -KILL ${first:-"$inside"} 2>/dev/null || true
+        wait "$inside" 2>/dev/null || true
+    fi
     inside=''
     [[ -z ${scratch-} ]] || rm -rf --one-file-system "$scratch"
 }
@@ -56,13 +67,13 @@ showLogAndFail() # WORD...
 inRoot() # USER COMMAND...
 {
     # shellcheck disable=SC2016 # the inner shell expands it
-    unshare --fork --pid --kill-child --mount sh -c '
+    unshare --fork --pid --mount sh -c '
         root=$1 user=$2
         shift 2
         mount -t proc proc "$root/proc" && mount -t tmpfs -o mode=1777 shm "$root/dev/shm" || exit
         exec chroot "$root" setpriv --reuid="$user" --regid="$user" --init-groups \
-            env -i -C "$(chroot "$root" sh -c "echo ~$user")" USER="$user" LC_ALL=C.UTF-8 \
-            HOME="$(chroot "$root" sh -c "echo ~$user")" DEBIAN_FRONTEND=noninteractive TERM=dumb \
+            env -i USER="$user" HOME="$(chroot "$root" sh -c "echo ~$user")" LC_ALL=C.UTF-8 \
+            DEBIAN_FRONTEND=noninteractive TERM=dumb \
             PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin "$@"
         ' - "$root" "$@" </dev/null >>"$scratch/log" 2>&1 &
     inside=$!
@@ -76,20 +87,18 @@ addSource()
 {
     inRoot root useradd -m -s /bin/bash "$DEVELOPER"
     echo "$DEVELOPER ALL=(ALL) NOPASSWD: ALL" >"$root/etc/sudoers.d/$DEVELOPER"
-    mkdir "$root/home/$DEVELOPER/tumbledown"
+    mkdir "$root$SOURCE"
     # Git refuses to read a checkout of another user unless its folder is named as safe.
-    git -c safe.directory="$PWD" archive HEAD | tar -x -C "$root/home/$DEVELOPER/tumbledown" ||
+    git -c safe.directory="$PWD" archive HEAD | tar -x -C "$root$SOURCE" ||
         fail "git could not read the commit that is checked out in $PWD"
-    inRoot root chown -R "$DEVELOPER:" "$PWD_IN_ROOT"
+    inRoot root chown -R "$DEVELOPER:" "$SOURCE"
 }
-
-PWD_IN_ROOT=/home/$DEVELOPER/tumbledown
 
 # Runs a command of the project in its folder as the ordinary user.
 develop() # COMMAND...
 {
     # shellcheck disable=SC2016 # the inner shell expands it
-    inRoot "$DEVELOPER" sh -c 'cd tumbledown && exec "$@"' - "$@"
+    inRoot "$DEVELOPER" sh -c 'cd "$0" && exec "$@"' "$SOURCE" "$@"
 }
 
 # Prints the version of an installed package of the root, or a dash.

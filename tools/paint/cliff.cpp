@@ -10,8 +10,7 @@ constexpr Colour LICHEN = hex(0xD8941C);
 constexpr Colour BOULDERS = hex(0x8E8070);
 
 constexpr float LAYER_HEIGHT = 125; // units; the steepest part has a sample every 100 units
-constexpr float TOP_SNOW =
-    0.86f; // mean height at which snow begins, as a share of the cliff's height
+constexpr float TOP_SNOW = 0.86f;   // share of the height of the cliff where snow begins
 
 // The position along the coast in units. It is continuous at the corners of the land.
 static float alongCoast(const Spot &spot)

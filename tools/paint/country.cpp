@@ -39,14 +39,12 @@ constexpr float SNOW_LINE = 400;      // height in units from which snow lies ev
 constexpr float SNOWFIELD_DROP = 420; // units by which the snow line is lower in a snowfield
 constexpr float TREE_LINE = 330;      // height in units above which no forest grows
 constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // rise per run from which grass gives way to rock
-constexpr float GULLY_DEPTH = 70; // units below the surroundings at which a gully is darkest
-constexpr float CROWN_CELL =
-    86; // units from tree to tree in a wood; narrower crowns blur into each other
+constexpr float GULLY_DEPTH = 70;     // units below the surroundings at which a gully is darkest
+constexpr float CROWN_CELL = 86;      // units from tree to tree in a wood; smaller crowns blur
 constexpr float LONE_TREE_CELL = 240; // units from tree to tree on a meadow
 constexpr float TREE_SHADOW = 45;     // length in units of the shadow of a wood
 constexpr float BAND_HEIGHT = 21;     // units, thickness of a layer of red rock
-constexpr float BRAID_WIDTH =
-    0.045f; // of the water in a delta, in values of the noise that lays it out
+constexpr float BRAID_WIDTH = 0.045f; // of the water in a delta, in values of its noise
 
 Clump clumpAt(const Spot &spot, float cell, float radius, int number)
 {

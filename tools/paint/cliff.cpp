@@ -58,7 +58,8 @@ static Colour footColour(Colour rock, const Spot &spot, float up, float broad)
     const Clump tree = clumpAt(spot, 70, 40, 111);
     const Colour crown = mix(FOREST, FOREST_LIGHT, std::clamp(0.5f + tree.sunward, 0.0f, 1.0f));
     const float woods = 0.16f + 0.5f * broad - 0.12f * fan;
-    return mix(rock, crown, soft(woods + 0.06f, woods - 0.06f, up) * soft(0.02f, 0.06f, up));
+    return mix(rock, crown * 1.35f,
+               soft(woods + 0.06f, woods - 0.06f, up) * soft(0.02f, 0.06f, up));
 }
 
 Colour cliffColour(const Spot &spot)

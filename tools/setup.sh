@@ -5,9 +5,9 @@
 BUILD_PACKAGES=(g++ cmake ninja-build make pkg-config libsdl1.2-dev libgl-dev libglu1-mesa-dev
     freeglut3-dev libgl1-mesa-dri)
 DISPLAY_PACKAGES=(xvfb xauth xdotool imagemagick)
-PACKAGE_PACKAGES=(dpkg-dev file git)
+PACKAGE_PACKAGES=(dpkg-dev file git libnoise-dev)
 ROOT_PACKAGES=(mmdebstrap git) # for a fresh Debian in a folder
-CHECK_PACKAGES=(libgtest-dev libbenchmark-dev libnoise-dev libpng-dev libx11-dev netpbm clang
+CHECK_PACKAGES=(libgtest-dev libbenchmark-dev libpng-dev libx11-dev netpbm clang
     clang-format clang-tidy libclang-rt-dev libsdl1.2-compat shellcheck
     lintian desktop-file-utils appstream man-db mandoc optipng)
 

@@ -1,7 +1,7 @@
 // The cliff that ends the land, from the boulders at its foot to the snow on its brink.
 #include "ground.h"
 
-// The game's sheen pales the cliff by a third, so its colours are dark and full.
+// The game adds a strong white sheen to the cliff. Dark and full colours remain readable under it.
 constexpr Colour LAYERS[] = {hex(0xC87A3C), hex(0x7C4A38), hex(0xB89060),
                              hex(0x5C4450), hex(0xD89A4C), hex(0x8E5A4C)};
 constexpr Colour CRACK = hex(0x2A1C20);
@@ -9,10 +9,10 @@ constexpr Colour LEDGE = hex(0x5AA01C);
 constexpr Colour LICHEN = hex(0xD8941C);
 constexpr Colour BOULDERS = hex(0x8E8070);
 
-constexpr float LAYER_HEIGHT = 125; // units; the steepest part of the cliff has four samples
-constexpr float TOP_SNOW = 0.86f;   // of the cliff's height, where snow begins on average
+constexpr float LAYER_HEIGHT = 125; // units; the steepest part has a sample every 100 units
+constexpr float TOP_SNOW = 0.86f;   // share of the height of the cliff where snow begins
 
-// The place along the coast, in units. It grows along all four sides and is continuous at corners.
+// The position along the coast in units. It is continuous at the corners of the land.
 static float alongCoast(const Spot &spot)
 {
     if (std::fabs(spot.x) > std::fabs(spot.z))
@@ -20,8 +20,7 @@ static float alongCoast(const Spot &spot)
     return spot.x * spot.z >= 0 ? spot.x : -spot.x;
 }
 
-// Each layer has a colour of its own, is lit at its upper edge and dark where it overhangs the
-// next.
+// A layer of rock with its own colour: light in the middle, dark at its foot and its upper edge.
 static Colour layerColour(const Spot &spot, float level)
 {
     const int k = int(std::floor(level));
@@ -59,7 +58,8 @@ static Colour footColour(Colour rock, const Spot &spot, float up, float broad)
     const Clump tree = clumpAt(spot, 70, 40, 111);
     const Colour crown = mix(FOREST, FOREST_LIGHT, std::clamp(0.5f + tree.sunward, 0.0f, 1.0f));
     const float woods = 0.16f + 0.5f * broad - 0.12f * fan;
-    return mix(rock, crown, soft(woods + 0.06f, woods - 0.06f, up) * soft(0.02f, 0.06f, up));
+    return mix(rock, crown * 1.35f,
+               soft(woods + 0.06f, woods - 0.06f, up) * soft(0.02f, 0.06f, up));
 }
 
 Colour cliffColour(const Spot &spot)

@@ -30,20 +30,21 @@ constexpr Colour RED_ROCK[] = {hex(0xCE6234), hex(0xF0A864), hex(0xA84A30), hex(
                                hex(0xC47444)};
 constexpr Colour COLD_ROCK = hex(0x8E8A98);
 constexpr Colour COLD_ROCK_DARK = hex(0x4C4A5C);
-// Bluer than snow is, because TexNoise takes blue away; brighter than 1, because it is pressed.
+// Snow is painted very blue, because TexNoise and the sun take blue away. Values above 1 are
+// compressed after lighting.
 constexpr Colour SNOW = {0.84f, 0.98f, 2.20f};
 constexpr Colour SNOW_SHADE = {0.55f, 0.80f, 1.45f};
 
-constexpr float SNOW_LINE = 400;               // units
-constexpr float SNOWFIELD_DROP = 420;          // how much lower the snow begins in a snowfield
-constexpr float TREE_LINE = 330;               // units; no forest grows above it
-constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // from grass to bare rock, as rise per run
-constexpr float GULLY_DEPTH = 70; // units below the surroundings at which a gully is darkest
-constexpr float CROWN_CELL = 86;  // units from tree to tree in a wood
-constexpr float LONE_TREE_CELL = 240;
-constexpr float TREE_SHADOW = 45;     // units that a wood throws its shadow
-constexpr float BAND_HEIGHT = 21;     // of a layer of red rock
-constexpr float BRAID_WIDTH = 0.045f; // of the waters of a delta, as a value of their noise
+constexpr float SNOW_LINE = 400;      // height in units from which snow lies everywhere
+constexpr float SNOWFIELD_DROP = 420; // units by which the snow line is lower in a snowfield
+constexpr float TREE_LINE = 330;      // height in units above which no forest grows
+constexpr float ROCK_SLOPE[] = {0.36f, 0.62f}; // rise per run from which grass gives way to rock
+constexpr float GULLY_DEPTH = 70;     // units below the surroundings at which a gully is darkest
+constexpr float CROWN_CELL = 86;      // units from tree to tree in a wood; smaller crowns blur
+constexpr float LONE_TREE_CELL = 240; // units from tree to tree on a meadow
+constexpr float TREE_SHADOW = 45;     // length in units of the shadow of a wood
+constexpr float BAND_HEIGHT = 21;     // units, thickness of a layer of red rock
+constexpr float BRAID_WIDTH = 0.045f; // of the water in a delta, in values of its noise
 
 Clump clumpAt(const Spot &spot, float cell, float radius, int number)
 {
@@ -109,7 +110,7 @@ static Colour meadowColour(const Spot &spot)
     return withLoneTrees(flowered(colour, spot), spot, 0.4f);
 }
 
-// Layers of red rock, each with a colour of its own. They lie level wherever a slope cuts them.
+// Red rock in level layers. Each layer has its own colour.
 static Colour redRock(const Spot &spot)
 {
     const float tilt = 16 * fractal(spot.x / 900, spot.z / 900, 0, 2, 0.5f, layer(spot, 30));
@@ -243,7 +244,7 @@ static Colour rocky(Colour ground, const Spot &spot)
                soft(ROCK_SLOPE[0], ROCK_SLOPE[1], bare + 0.1f * spot.grain));
 }
 
-// Wind lays the snow in ripples; what the sun does not reach is blue.
+// Snow with ripples and drifts that the wind has made. It is blue where little sun reaches it.
 Colour snowColour(const Spot &spot)
 {
     const float along = spot.x + 0.35f * spot.z;
@@ -274,7 +275,7 @@ Colour wildColour(const Spot &spot)
     for (int k = 0; k < COUNTRIES; ++k)
         if (spot.weights[k] > 0.01f)
             colour = colour + GROUNDS[k](spot) * spot.weights[k];
-    const bool fir = spot.weights[COUNTRY_SNOWFIELD] > 0.4f; // its crown stands above the snow
+    const bool fir = spot.weights[COUNTRY_SNOWFIELD] > 0.4f; // firs are painted over the snow
     if (!fir)
         colour = wooded(colour, spot);
     colour = snowy(rocky(colour, spot) * (1 - std::clamp(spot.hollow / GULLY_DEPTH, -0.22f, 0.30f)),

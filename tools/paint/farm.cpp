@@ -19,7 +19,7 @@ constexpr Colour BARE_HEDGE = hex(0x8C9CB4);
 
 constexpr float FIELD_LENGTH = 150; // units
 constexpr float FIELD_WIDTH = 100;
-constexpr float FIELD_BLOCK = 310; // units; the fields of one block run in the same direction
+constexpr float FIELD_BLOCK = 310; // units; all fields of a block run in one direction
 constexpr int HOUSE_SPACING = 4;   // samples from house to house
 constexpr int HOUSE_SIDE = 3;      // samples
 
@@ -35,7 +35,7 @@ static Colour hedgeOf(Country country)
                                           : HEDGE;
 }
 
-// Strips of crops about a village. Some lie fallow and keep the colour of the ground.
+// Strips of crops around a village. Fallow strips keep the colour of the ground.
 static Colour fieldColour(Colour ground, const Spot &spot, const Place &place)
 {
     const float dx = spot.x - place.x;
@@ -84,8 +84,8 @@ static Colour roofOf(Country country, float pick)
                                           : ROOFS[k];
 }
 
-// The roof's ridge runs along z. Its side toward the sun is brighter, and its shadow falls on the
-// other side.
+// A roof with its ridge along z: the side toward the sun is brighter. The shadow of the house falls
+// on the other side.
 static void buildHouse(Canvas &colours, int x, int z, Colour roof)
 {
     constexpr float SHADE = 0.5f;
@@ -99,7 +99,7 @@ static void buildHouse(Canvas &colours, int x, int z, Colour roof)
             roof * (k % HOUSE_SIDE == 0 ? 0.72f : 1.05f);
 }
 
-// True if no track and no water crosses the ground of a house, which must lie inside the land.
+// True if a house at this sample lies inside the land and touches no track and no water.
 static bool isFree(const Land &land, int x, int z)
 {
     if (!land.height.holds(x - 1, z - 1) || !land.height.holds(x + HOUSE_SIDE, z + HOUSE_SIDE))

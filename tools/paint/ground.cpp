@@ -6,44 +6,44 @@
 
 constexpr Colour SUNLIGHT = {0.84f, 0.80f, 0.70f};
 constexpr Colour SKYLIGHT = {0.56f, 0.58f, 0.64f};
-constexpr Colour BOUNCE = {0.36f, 0.32f, 0.29f}; // light from the ground and water on steep slopes
-constexpr float SUN_RELIEF = 1.7f;               // slopes are lit as if so much steeper
-constexpr float OCCLUSION_DEPTH = 230; // units below the surroundings at which no sky would be seen
-constexpr float SHADOW_RELIEF = 1.25f; // shadows are as long as if the land were so much higher
-constexpr int SHADOW_STEPS = 40;       // samples that a shadow reaches at most
-constexpr float PENUMBRA = 35;         // units below the edge of a shadow where it is full
-constexpr float SHADOW = 0.55f;        // share of the sunlight that a full shadow takes
-constexpr float LEAST_SKY = 0.55f;     // of the skylight, in the deepest valley
-constexpr float CLIFF_SKY = 0.95f;     // and on the cliff and the water below it
-constexpr float STEEP_GAIN = 0.45f; // how much of the game's dimming of steep slopes is made good
+constexpr Colour BOUNCE = {0.36f, 0.32f, 0.29f}; // from the ground, on steep slopes
+constexpr float SUN_RELIEF = 1.7f;     // slopes are lit as if they were so many times steeper
+constexpr float OCCLUSION_DEPTH = 230; // units below its surroundings where no sky is seen
+constexpr float SHADOW_RELIEF = 1.25f; // shadows are as long as if land were so much higher
+constexpr int SHADOW_STEPS = 40;       // length of the longest shadow, in samples
+constexpr float PENUMBRA = 35;         // units below the edge of a shadow at which it is full
+constexpr float SHADOW = 0.55f;        // share of the sunlight that a full shadow takes away
+constexpr float LEAST_SKY = 0.55f;     // share of the skylight that the deepest valley gets
+constexpr float CLIFF_SKY = 0.95f;     // share of it that the cliff and the water get at least
+constexpr float STEEP_GAIN = 0.45f;    // share of the game's dimming of steep slopes made up for
 
-constexpr float SHOULDER = 0.82f; // brighter than this is pressed below 1, not cut off
+constexpr float SHOULDER = 0.82f; // brighter values are compressed below 1 instead of being cut off
 constexpr Colour TRACK = hex(0xD9B57A);
 constexpr Colour SNOWY_TRACK = hex(0xC4B8AC);
-constexpr float BORDER_BEND = 34; // samples by which noise bends the borders of countries, at most
-constexpr float BORDER_FRAY = 0.8f; // strength of the noise that frays them
-constexpr int BROAD = 8;            // samples, over which the share of open water is taken
+constexpr float BORDER_BEND = 34; // samples by which noise shifts the borders of countries, at most
+constexpr float BORDER_FRAY = 0.8f; // strength of the noise that makes these borders ragged
+constexpr int BROAD = 8; // samples on each side that the share of open water is taken over
 
-constexpr int NOISE_SIDE = 512; // texels of TexNoise, over 500 units
+constexpr int NOISE_SIDE = 512; // texels of TexNoise; they cover 500 units
 constexpr float NOISE_MEAN = 0.955f;
-constexpr float NOISE_MEADOW = 0.075f;               // strength of patches of 30 to 60 units
-constexpr float NOISE_TUFT = 0.085f;                 // of 8 to 15 units
-constexpr float NOISE_BLADE = 0.06f;                 // of 2 to 4 units; more would shimmer far away
-constexpr int NOISE_STROKES = 6500;                  // stems and chips of stone
-constexpr float NOISE_STROKE = 0.11f;                // how far one is lighter or darker
-constexpr Colour NOISE_TINT = {1.0f, 0.985f, 0.94f}; // a warm cast, against the white sheen
+constexpr float NOISE_MEADOW = 0.075f; // strength of patches of 30 to 60 units
+constexpr float NOISE_TUFT = 0.085f;   // strength of spots of 8 to 15 units
+constexpr float NOISE_BLADE = 0.06f;   // strength of grain of 2 to 4 units; more of it shimmers
+constexpr int NOISE_STROKES = 6500;    // number of stems and chips of stone
+constexpr float NOISE_STROKE = 0.11f;  // how much lighter or darker a stroke is
+constexpr Colour NOISE_TINT = {1.0f, 0.985f, 0.94f}; // warm, because the game adds a white sheen
 
 namespace
 {
-struct Surroundings // what a sample's look depends on beside its own height
+struct Surroundings // what the look of a sample depends on, apart from its own height
 {
     int seed;           // of this land's noise
-    Field level;        // mean height near by
-    Field country;      // and of the whole country
+    Field level;        // mean height within some 200 units
+    Field region;       // mean height within some 500 units
     Field moisture;     // 0 dry .. 1 wet
-    Field shore, depth; // units to the nearest water, and in the water to the nearest shore
-    Field open;         // share of water near by
-    Field shadow;       // that the land throws: 0 none .. 1 full
+    Field shore, depth; // samples to the nearest water; from the water to the nearest shore
+    Field open;         // share of water within some 200 units
+    Field shadow;       // 0 sun .. 1 in the shadow of higher land
 };
 } // namespace
 
@@ -57,17 +57,18 @@ static Colour normalOf(const Field &height, int x, int z, float relief)
     return {-dx / size, up / size, -dz / size};
 }
 
-// Sunlight on a slope: 1 on level ground.
+// How much sun a slope gets: 0 none, 1 as much as level ground, 1.5 at most.
 static float facingOf(Colour n)
 {
     return std::clamp((n.r * SUN[0] + n.g * SUN[1] + n.b * SUN[2]) / SUN[1], 0.0f, 1.5f);
 }
 
-// Tops see the whole sky. Places below their surroundings see less of it. Steep slopes also get
-// light from the ground before them, which matters where the sun does not reach.
+// Summits see the whole sky. Places below their surroundings see less of it. Steep slopes also get
+// light from the ground before them. Without that light, rock is black where the sun does not
+// reach.
 static Colour lightAt(const Land &land, const Surroundings &around, const Spot &spot, int x, int z)
 {
-    const float below = around.country.at(x, z) - spot.height;
+    const float below = around.region.at(x, z) - spot.height;
     const float bright = std::max(land.cliff.at(x, z), land.water.at(x, z));
     const float sky =
         std::clamp(0.92f - below / OCCLUSION_DEPTH, mix(LEAST_SKY, CLIFF_SKY, bright), 1.0f);
@@ -76,21 +77,21 @@ static Colour lightAt(const Land &land, const Surroundings &around, const Spot &
     const float shade = std::max(1 - spot.facing, 0.0f);
     const Colour light = SUNLIGHT * (0.62f * spot.facing * sun) + SKYLIGHT * sky +
                          BOUNCE * ((1 - up) * (0.3f + 1.5f * shade));
-    return light * mix(1, 2 / (1 + up),
-                       STEEP_GAIN * (1 - land.cliff.at(
-                                             x, z))); // the game lights by 1 + up, see docs/maps.md
+    // The game lights a slope in proportion to 1 + up.
+    return light * mix(1, 2 / (1 + up), STEEP_GAIN * (1 - land.cliff.at(x, z)));
 }
 
-// How deep each sample lies in the shadow that the land throws: 0 none .. 1 full.
+// The shadow of the land on each sample, 0 none .. 1 full: a ray from the sample to the sun passes
+// below higher land.
 static Field shadowsOf(const Field &height)
 {
     Field shadow(height.width, height.height);
     const float level = length(SUN[0], SUN[2]);
-    const float rise = SUN[1] / level * SPACING / SHADOW_RELIEF; // of a ray, from sample to sample
+    const float rise = SUN[1] / level * SPACING / SHADOW_RELIEF; // of a ray within one sample
     shadow.paint(
         [&](int x, int z)
         {
-            float above = 0; // of the land over the ray toward the sun, in units
+            float above = 0; // units by which land rises above the ray
             for (int k = 1; k <= SHADOW_STEPS; ++k)
             {
                 const float way = float(k) / level;
@@ -118,7 +119,8 @@ static Field moistureOf(const Land &land)
 
 static Surroundings surroundingsOf(const Land &land)
 {
-    return {noiseSeed(land.seed, 1000) % 100000, // libnoise multiplies seeds by a thousand
+    return {noiseSeed(land.seed, 1000) %
+                100000, // libnoise multiplies it by 1013, which must fit an int
             blurred(blurred(land.height, 4), 4),
             blurred(blurred(land.height, 10), 10),
             moistureOf(land),
@@ -209,7 +211,7 @@ static Canvas landColours(const Land &land)
     return colours;
 }
 
-// Short strokes in every direction; those that leave the tile come in on the other side.
+// Draws short strokes in all directions. A stroke that leaves the tile goes on at its other side.
 static void strew(Canvas &tile)
 {
     for (int i = 0; i < NOISE_STROKES; ++i)
@@ -229,7 +231,7 @@ static void strew(Canvas &tile)
     }
 }
 
-// Grass, earth and pebbles of every size down to a texel, in one tile without a seam.
+// Grass, earth and pebbles of all sizes down to a texel. The tile repeats without a seam.
 static Canvas groundTile()
 {
     Canvas tile(NOISE_SIDE, NOISE_SIDE);

@@ -48,7 +48,7 @@ struct Clump
 Clump clumpAt(const Spot &spot, float cell, float radius, int number);
 float shadowOf(const Clump &clump); // 0 in the sun .. 1 in the shadow on the ground beside it
 
-Colour snowColour(const Spot &spot);
+Colour snowColour(const Spot &spot);                 // country.cpp
 Colour wildColour(const Spot &spot);                 // country.cpp
 Colour cliffColour(const Spot &spot);                // cliff.cpp
 Colour shoreColour(Colour ground, const Spot &spot); // beaches over the ground; shore.cpp

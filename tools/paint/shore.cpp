@@ -12,8 +12,8 @@ constexpr Colour RIVER_EDGE = hex(0x48C4CE);
 constexpr Colour ICE = hex(0xB2E2F4);
 constexpr Colour BLUE_ICE = hex(0x62B4E2);
 
-constexpr float BEACH_WIDTH = 140;    // units, where it is widest
-constexpr float RAPIDS_SLOPE = 0.07f; // rise per run from which a river foams
+constexpr float BEACH_WIDTH = 140;    // units, of the widest beach
+constexpr float RAPIDS_SLOPE = 0.07f; // rise per run above which a river foams
 
 Colour shoreColour(Colour ground, const Spot &spot)
 {
@@ -31,7 +31,7 @@ Colour shoreColour(Colour ground, const Spot &spot)
     return mix(ground, sand, width > 5 ? beach * clear : 0);
 }
 
-// Waves run in broken white lines along the shore.
+// White waves: one line at the shore and a fainter one farther out, both broken by noise.
 static float surfAt(const Spot &spot)
 {
     const float broken = noiseAt(spot.x / 130, spot.z / 130, 0, layer(spot, 130));
@@ -77,7 +77,7 @@ Colour waterColour(const Spot &spot)
 {
     const Colour colour = mix(riverColour(spot), lakeColour(spot), soft(0.32f, 0.5f, spot.open));
     const float edge =
-        spot.rough * 0.25f - spot.depth / 500; // the middle of a lake stays open longest
+        spot.rough * 0.25f - spot.depth / 500; // the middle of a lake does not freeze
     const float frozen = soft(0.45f, 0.6f, spot.weights[COUNTRY_SNOWFIELD] + edge);
     return frozen > 0 ? mix(colour, iceColour(spot), frozen) : colour;
 }

@@ -22,7 +22,7 @@ constexpr float HOLLOW_GAP = 1500; // from the way of landing and from the end o
 
 namespace
 {
-struct Country_Shape // heights in units
+struct CountryShape // heights in units
 {
     float level;   // of the plain
     float swell;   // height of waves of 1300 units
@@ -49,7 +49,7 @@ struct Hollow
 };
 } // namespace
 
-constexpr Country_Shape SHAPES[COUNTRIES] = {
+constexpr CountryShape SHAPES[COUNTRIES] = {
     {PLAIN_LEVEL, 64, 28, 46, 0}, // meadow
     {215, 95, 18, 30, 62},        // highland
     {135, 80, 36, 54, 0},         // forest
@@ -113,8 +113,8 @@ static Range spurOf(const Plan &plan, const Peak &peak)
     return rangeBetween(plan, peak, {x, z, 0.5f * peak.height});
 }
 
-// Each peak is linked to those of its two nearest neighbours that come after it or do not have it
-// among their own; both links to a pair would raise the same crest, which changes nothing.
+// Links each peak to its two nearest neighbours. A link that is made from both ends raises the same
+// crest twice, which changes nothing.
 static std::vector<Range> linkPeaks(const Plan &plan, const std::vector<Peak> &peaks)
 {
     std::vector<Range> ranges;
@@ -194,9 +194,9 @@ static float terraced(float height, float step)
 }
 
 // The shape of the countries at a sample, by their weights.
-static Country_Shape shapeAt(const std::vector<Field> &countries, int x, int z)
+static CountryShape shapeAt(const std::vector<Field> &countries, int x, int z)
 {
-    Country_Shape sum = {};
+    CountryShape sum = {};
     for (size_t i = 0; i < COUNTRIES; ++i)
     {
         const float w = countries[i].at(x, z);
@@ -219,7 +219,7 @@ static float openGround(const Plan &plan, const std::vector<Field> &countries, i
 {
     const float x = plan.toWorld(sampleX);
     const float z = plan.toWorld(sampleZ);
-    const Country_Shape shape = shapeAt(countries, sampleX, sampleZ);
+    const CountryShape shape = shapeAt(countries, sampleX, sampleZ);
     const float plain = soft(2300, 700, length(x, (z - 700) * 0.6f));
     const float swell = 1.6f * shape.swell * plan.waves(x, z, 1300, 2, 21);
     const float hummock = 1.6f * shape.hummock * plan.waves(x, z, 340, 2, 22);

@@ -14,12 +14,13 @@ expectOrderlyEnd() # FILE: how standard error ends; standard output holds nothin
 {
     waitForEnd 30
     ((gameStatus == 0)) || complain "status $gameStatus:" "$(tail -n 20 "$scratch/err")"
-    expectLines tail "$judge/$1"
+    expectLines tail "$judge/../support/$1"
     diff /dev/null "$scratch/out" || complain "there is something on standard output"
 }
 
 showsAWorldAndEnds() # once startGame has started it
 {
+    local side
     waitForPlay
     grab "$scratch/picture.png"
     (($(identify -format %k "$scratch/picture.png") >= COLOURS_OF_A_WORLD)) ||
@@ -27,7 +28,10 @@ showsAWorldAndEnds() # once startGame has started it
     xdotool keydown Escape
     expectOrderlyEnd quit.txt
     xdotool keyup Escape
-    expectLines head "$judge/start.txt"
+    side=$(od -An -tu2 --endian=little -j12 -N2 "$judge/../../data/Map.tga" | tr -d ' ')
+    sed "s/SIDE/$side/g; s/BLOCKS/$((side / 25))/g; s/STEP/$((side / 10))/" \
+        "$judge/../support/start.txt" >"$scratch/expected"
+    expectLines head "$scratch/expected"
 }
 
 # From a folder that has nothing to do with it, with arguments that it ignores.

@@ -1,12 +1,20 @@
-// Whole frames of a hilly land with a person, a tank, shots, a tilted cube and its shadow, drawn by
-// drawScreen while time stands still, and compared with each other and with the laws of OpenGL.
+// Whole frames of a hilly land with a person, a tank, a shot, a tilted cube and its shadow, drawn
+// by drawScreen in steps of no time. They are compared with each other and with colours that are
+// computed here from OpenGL's formulas for lighting, texture and fog.
 #include "scene.h"
 
 #include <GL/glut.h>
 
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace
 {
-enum Thing // what a frame shows besides the land, the sky and the cube; to be added up
+enum Thing // in a frame, besides the land, the sky and the cube; the values can be added
 {
     PERSON = 1,
     TANK = 2,
@@ -14,7 +22,10 @@ enum Thing // what a frame shows besides the land, the sky and the cube; to be a
     SHADE = 8
 };
 
-struct Spot // of a surface that is lit
+constexpr int PATCH = 16;  // samples along the side of a patch of one colour
+constexpr int REPEAT = 20; // samples after which the texture of the ground repeats
+
+struct Spot // on a surface that is lit
 {
     std::string name;
     Vector at, normal, colour, texel; // colours from 0 to 1
@@ -44,19 +55,19 @@ struct Frame : Scene
         Scene::TearDown();
     }
 
-    static int level(int x, int z) // it rises along x and falls along z
+    static int level(int x, int z) // rises along x and falls along z
     {
         return static_cast<int>(165 + x / 8 - z / 2 + 30 * std::sin(x * 0.15) * std::cos(z * 0.17));
     }
 
-    static Rgb colour(int x, int z) // in patches of 16 samples
+    static Rgb colour(int x, int z)
     {
-        const int i = x / 16, j = z / 16;
+        const int i = x / PATCH, j = z / PATCH;
         return {uint8_t(80 + 40 * ((i * 3 + j) % 4)), uint8_t(60 + 50 * ((i + j * 2) % 4)),
                 uint8_t(50 + 60 * ((i + j * 3) % 3))};
     }
 
-    static Rgb texel(float s, float t) // of 32 each way
+    static Rgb texel(float s, float t) // of a picture of 32 by 32
     {
         return {uint8_t(60 + 6 * s), uint8_t(250 - 6 * t), uint8_t(150 + s + t)};
     }
@@ -69,7 +80,8 @@ struct Frame : Scene
         SHADOW = things & SHADE ? 1 : 0;
     }
 
-    // A frame, with its view set up once more by the laws of OpenGL.
+    // Draws a frame. Afterwards the matrices are those of the frame again, as the tests compute
+    // them.
     Picture show(int things)
     {
         setOut(things);
@@ -87,6 +99,7 @@ struct Frame : Scene
         return look();
     }
 
+    // Nothing that the last frame drew hides the point.
     static bool isInFront(Vector point)
     {
         const Vector at = project(point);
@@ -97,7 +110,7 @@ struct Frame : Scene
         return std::fabs((1 - at.z) / (1 - depth) - 1) < 0.01; // distances, to 1 %
     }
 
-    // What OpenGL's lighting, texturing and fog make of a spot.
+    // The colour that OpenGL's lighting, texture and fog give to a spot.
     Rgb lit(const Spot &spot) const
     {
         float view[16];
@@ -125,7 +138,7 @@ struct Frame : Scene
         return result;
     }
 
-    // A point of a model that stands on the ground.
+    // The world coordinates of a point of a model whose origin is at foot.
     Vector place(Vector model, float yaw, Vector foot, bool isTilted) const
     {
         const Vector n = ter.normals[worldToTerrainX(&ter, foot.x)][worldToTerrainZ(&ter, foot.z)];
@@ -135,7 +148,33 @@ struct Frame : Scene
         return vectorAdd(matrixVectorMultiply(tilt, matrixVectorMultiply(turn, model)), foot);
     }
 
-    Vector cube, eye = {350, 150, 520}; // the eye as seen from the cube
+    // Looks from four sides, in thick and in thin fog, at the spots that nothing hides. Each spot
+    // has to be seen at least once.
+    void expectLit(const std::vector<Spot> &spots)
+    {
+        for (const Vector from : {eye, {-380, -60, 460}, {200, 60, -560}, {-500, 40, -300}})
+            for (int reach : {5000, 2600})
+            {
+                eye = from;
+                distance = reach;
+                const Picture picture = show(PERSON + TANK + SHOT + SHADE);
+                for (const Spot &spot : spots)
+                {
+                    if (!isInFront(spot.at))
+                        continue;
+                    const Rgb colour = seen(picture, spot.at);
+                    if (colour == BLACK && spot.name != "person") // a text is in front of it
+                        continue;
+                    ASSERT_PRED2(isAlike, colour, lit(spot)) << spot.name << " from " << eye;
+                    ++sightings[spot.name];
+                }
+            }
+        for (const Spot &spot : spots)
+            EXPECT_GT(sightings[spot.name], 0) << spot.name;
+    }
+
+    Vector cube, eye = {350, 150, 520}; // the eye relative to the cube
+    std::map<std::string, int> sightings;
     Quaternion orientation = normalize({0.9f, 0.3f, -0.2f, 0.15f});
     int distance = 5000;
     PersonNode **cell, *person;
@@ -149,36 +188,55 @@ static Vector fraction(Rgb colour, float of)
     return {colour[0] / of, colour[1] / of, colour[2] / of};
 }
 
-TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
+static float distanceAlong(Vector a, Vector b) // in the ground plane
+{
+    return pithag(a.x - b.x, a.z - b.z);
+}
+
+static bool isWithin(int sample, int period, int first, int last)
+{
+    return first <= sample % period && sample % period <= last;
+}
+
+// Neither the colours of two patches nor two repeats of the texture are mixed around the sample.
+static bool isInsideOneColour(int x, int z)
+{
+    return isWithin(x, PATCH, 2, 13) && isWithin(z, PATCH, 2, 13) && isWithin(x, REPEAT, 2, 19) &&
+           isWithin(z, REPEAT, 2, 17);
+}
+
+TEST_F(Frame, CubeIsLitAndTextured)
 {
     std::vector<Spot> spots;
-    show(PERSON + TANK + SHOT); // it settles the tank
-    const Vector dent = vectorAdd(cube, {-300, 0, -100});
-    const uint32_t list = ter.displayLists[6][4]; // of one of its blocks, which are compiled anew
-    deformTerrain(&ter, dent, -2000, DEFORM_DENT);
-    EXPECT_FALSE(glIsList(list));
     Matrix turn;
-    quaternionToMatrix(cb.orientation, turn);
+    quaternionToMatrix(orientation, turn);
     const Vector axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}, {0, -1, 0}, {0, 0, -1}};
     for (int face = 0; face < 6; ++face)
-        for (int corner = 0; corner < 4; ++corner)
+        for (int quarter = 0; quarter < 4; ++quarter)
         {
             const Vector out = axes[face], up = face == 1 ? axes[5] : face == 4 ? axes[3] : axes[1];
             const Vector right = vectorCrossProduct(up, out);
-            const Vector row = off(vectorMultiply(out, 50), up, corner % 2 ? 25 : -25);
-            const Vector at = off(row, right, corner / 2 ? 25 : -25);
-            spots.push_back({"cube " + std::to_string(face * 10 + corner),
-                             vectorAdd(matrixVectorMultiply(turn, at), cube),
-                             matrixVectorMultiply(turn, out),
-                             {1, 1, 1},
-                             fraction(CORNERS[corner / 2][corner % 2], 255),
-                             40});
+            const int s = quarter / 2, t = quarter % 2;
+            const Vector row = off(vectorMultiply(out, 50), up, t ? 25 : -25);
+            const Vector at = off(row, right, s ? 25 : -25);
+            spots.push_back(
+                {"face " + std::to_string(face) + ", quarter " + std::to_string(quarter),
+                 vectorAdd(matrixVectorMultiply(turn, at), cube),
+                 matrixVectorMultiply(turn, out),
+                 {1, 1, 1},
+                 fraction(CORNERS[s][t], 255),
+                 40});
         }
+    expectLit(spots);
+}
+
+TEST_F(Frame, TankIsLitAndTexturedAndItsTurretFacesTheCube)
+{
     const struct
     {
         const char *name;
-        Vector at, normal;
-        float s, t; // of the picture, in texels
+        Vector at, normal; // in units of the model
+        float s, t;        // texels of the picture
         bool isTurret;
     } parts[] = {
         {"front", {1.8f, 2.2f, 0.5f}, {1, 0, 0}, 4.5f, 12.7f, false},
@@ -192,7 +250,9 @@ TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
         {"barrel", {2.3f, 3.673f, 0.2f}, {0, 1, 0}, 2.5f, 29.4f, true},
         {"barrel's right side", {2.35f, 3.55f, -0.4f}, {0, 0, -1}, 4.2f, 20.2f, true},
     };
+    show(TANK); // it puts the tank on the ground
     const Vector foot = tank->tank.position;
+    std::vector<Spot> spots;
     for (const auto &part : parts)
     {
         const float yaw = part.isTurret ? 185 - findDirection(cube, foot) : 35;
@@ -201,57 +261,61 @@ TEST_F(Frame, LandTankAndCubeStandWhereTheyShouldAndAreLitTexturedAndFogged)
         const Vector paint = fraction(texel(part.s - 0.5f, part.t - 0.5f), 255);
         spots.push_back({part.name, at, normal, {1, 1, 1}, paint, 20});
     }
+    expectLit(spots);
+}
+
+TEST_F(Frame, LandIsLitTexturedAndColouredAlsoInADent)
+{
+    show(TANK); // it puts the tank on the ground
+    const Vector dent = vectorAdd(cube, {-300, 0, -100}), foot = tank->tank.position;
+    deformTerrain(&ter, dent, -2000, DEFORM_DENT);
+    std::vector<Spot> spots;
     for (int x = 5; x < 250; x += 3)
         for (int z = 5; z < 250; z += 3)
         {
-            // Between two samples along z, inside of a patch and of a picture of the texture.
-            const bool isInside =
-                x % 16 % 14 > 1 && z % 16 % 14 > 1 && x % 20 > 1 && z % 20 % 18 > 1;
+            // Half-way between two samples along z.
             const float height = (ter.map[x][z] + ter.map[x][z + 1]) / 2;
             const Vector at = {x * 25 - 3200.0f, height, z * 25 - 3187.5f};
+            const bool isShaded = distanceAlong(at, cube) < 150;
+            if (!isInsideOneColour(x, z) || isShaded || distanceAlong(at, foot) < 60)
+                continue;
+            const bool isDented = distanceAlong(at, dent) < 60, isSeam = z % BLOCK_SIDE == 24;
             const Vector n = normalizeVector(vectorAdd(ter.normals[x][z], ter.normals[x][z + 1]));
-            const Vector grain = fraction(texel(x % 20 * 1.6f - 0.5f, z % 20 * 1.6f + 0.3f), 255);
-            if (isInside && pithag(at.x - cube.x, at.z - cube.z) > 150 && // in the sun
-                pithag(at.x - foot.x, at.z - foot.z) > 60)
-                spots.push_back({pithag(at.x - dent.x, at.z - dent.z) < 60 ? "dent"
-                                 : z % 25 == 24                            ? "seam"
-                                                                           : "land",
-                                 at, n, fraction(colour(x, z), 256), grain, 10});
+            const float s = x % REPEAT * 1.6f - 0.5f, t = z % REPEAT * 1.6f + 0.3f;
+            spots.push_back({isDented ? "dent"
+                             : isSeam ? "seam of two blocks"
+                                      : "land",
+                             at, n, fraction(colour(x, z), 256), fraction(texel(s, t), 255), 10});
         }
-    const Person &walker = person->person;
-    const Vector chest = place({1, 10, 0}, walker.direction, walker.position, false);
-    spots.push_back({"person", chest, {0, 1, 0}, {0, 0, 0}, {0, 0, 0}, 1}); // as if lit, on black
-    std::map<std::string, int> counts;
-    for (const Vector from : {eye, {-380, -60, 460}, {200, 60, -560}, {-500, 40, -300}})
-        for (int reach : {5000, 2600})
-        {
-            eye = from;
-            distance = reach;
-            const Picture picture = show(PERSON + TANK + SHOT + SHADE);
-            for (const Spot &spot : spots)
-                if (isInFront(spot.at) &&
-                    (seen(picture, spot.at) != BLACK || &spot == &spots.back()))
-                {
-                    ASSERT_PRED2(isAlike, seen(picture, spot.at), lit(spot)) << spot.name << eye;
-                    ++counts[spot.name];
-                }
-        }
-    EXPECT_GT(counts["land"], 600);
-    EXPECT_EQ(counts["person"], 8) << "from both sides";
-    for (const Spot &spot : spots)
-        EXPECT_GT(counts[spot.name], 0) << spot.name;
+    expectLit(spots);
+    EXPECT_GT(sightings["land"], 600);
 }
 
-TEST_F(Frame, EachThingLooksAsItDoesAloneWhateverElseIsDrawn)
+TEST_F(Frame, PersonIsBlackInTheFog)
+{
+    show(PERSON);
+    const Person &walker = person->person;
+    const Vector chest = place({1, 10, 0}, walker.direction, walker.position, false);
+    expectLit({{"person", chest, {0, 1, 0}, {0, 0, 0}, {0, 0, 0}, 1}});
+    EXPECT_EQ(sightings["person"], 8) << "it is hidden from one side";
+}
+
+TEST_F(Frame, DentDeletesTheListsOfItsBlocks)
+{
+    show(0);
+    const uint32_t list = ter.displayLists[6][4];
+    EXPECT_TRUE(glIsList(list));
+    deformTerrain(&ter, vectorAdd(cube, {-300, 0, -100}), -2000, DEFORM_DENT);
+    EXPECT_FALSE(glIsList(list));
+}
+
+TEST_F(Frame, ThingsChangeNoPixelsButTheirOwn)
 {
     const Picture bare = show(0);
-    const Vector inSight = std::exchange(shot->position, off(cube, eye, -0.15f));
-    EXPECT_TRUE(show(SHOT) == bare) << "the cube covers it";
-    shot->position = inSight;
     const std::map<Thing, Picture> alone = {
         {PERSON, show(PERSON)}, {TANK, show(TANK)}, {SHOT, show(SHOT)}, {SHADE, show(SHADE)}};
     const Picture all = show(PERSON + TANK + SHOT + SHADE);
-    EXPECT_TRUE(show(0) == bare) << "nothing is left of them";
+    EXPECT_TRUE(show(0) == bare) << "something of them is still seen";
     const Vector middle = project(cube);
     int wrong = 0, shaded = 0;
     for (int i = 0; i < WIDTH * HEIGHT; ++i)
@@ -262,9 +326,9 @@ TEST_F(Frame, EachThingLooksAsItDoesAloneWhateverElseIsDrawn)
                 changes.push_back(picture[i]);
         wrong += changes.size() < 2 && all[i] != (changes.empty() ? bare[i] : changes[0]);
         wrong += alone.at(PERSON)[i] != bare[i] && alone.at(PERSON)[i] != BLACK;
-        // The edges of the cube let through what is behind it.
-        const bool nearCube = pithag(i % WIDTH - middle.x, i / WIDTH - middle.y) < 95;
-        if (alone.at(SHADE)[i] == bare[i] || nearCube)
+        // The texture of the cube is transparent at its edges and shows what is behind it.
+        const bool isNearCube = pithag(i % WIDTH - middle.x, i / WIDTH - middle.y) < 95;
+        if (alone.at(SHADE)[i] == bare[i] || isNearCube)
             continue;
         Rgb dark = bare[i];
         for (uint8_t &c : dark)
@@ -273,29 +337,53 @@ TEST_F(Frame, EachThingLooksAsItDoesAloneWhateverElseIsDrawn)
         ++shaded;
     }
     EXPECT_EQ(wrong, 0) << "pixels";
-    EXPECT_GT(shaded, 500);
+    EXPECT_GT(shaded, 500) << "pixels";
+}
+
+TEST_F(Frame, ShotGlowsAtItsHeadAndLetsTheBackgroundThroughAtItsTail)
+{
+    const Picture bare = show(0), picture = show(SHOT);
     for (const Vector model : {Vector{10, 2, 0}, {10, 0, 2}, {-12, 0.8f, 0}})
     {
         const Vector at = place(model, 220, shot->position, false);
-        const float head = (model.x / 3 + 12) / 16; // share of its colour
-        const float tail = 1 - head;                // which lets through what is behind
+        const float head = (model.x / 3 + 12) / 16; // share of the colour of the head
+        const float tail = 1 - head;                // of the tail, whose alpha is 0
         const Rgb behind = seen(bare, at);
         // The glow is 1, 0.8, 0.4 at the head and 0.5, 0, 0 at the tail; light adds 0.3 of it.
         const Rgb glow = {uint8_t(255 * head + std::min(166.0f + behind[0], 255.0f) * tail),
                           uint8_t(255 * head + behind[1] * tail),
                           uint8_t(133 * head + behind[2] * tail)};
-        EXPECT_PRED2(isAlike, seen(alone.at(SHOT), at), glow) << model;
+        EXPECT_PRED2(isAlike, seen(picture, at), glow) << model;
     }
+    shot->position = off(cube, eye, -0.15f);
+    EXPECT_TRUE(show(SHOT) == bare) << "a shot behind the cube is seen";
+}
+
+TEST_F(Frame, ShadowLeavesAnEmptyStencilBufferForTheNextFrame)
+{
+    const Picture shade = show(SHADE);
     std::vector<uint8_t> stencil(WIDTH * HEIGHT);
     glReadPixels(0, 0, WIDTH, HEIGHT, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, stencil.data());
     EXPECT_EQ(std::count(stencil.begin(), stencil.end(), 0), WIDTH * HEIGHT);
     const Vector first = std::exchange(eye, {-300, -20, 400});
     show(PERSON + TANK + SHOT + SHADE);
     eye = first;
-    EXPECT_TRUE(show(SHADE) == alone.at(SHADE)) << "after a frame from another eye";
+    EXPECT_TRUE(show(SHADE) == shade) << "a frame from another eye changes the next one";
 }
 
-TEST_F(Frame, ShadowFallsStraightDownOnWhatIsBelowTheCube)
+TEST_F(Frame, WireFrameDrawsPolygonsAsLines)
+{
+    const Picture filled = show(PERSON + TANK + SHOT + SHADE);
+    WIRE_FRAME = 1;
+    const Picture lines = show(PERSON + TANK + SHOT + SHADE);
+    EXPECT_LT(std::count(filled.begin(), filled.end(), BLACK), WIDTH * HEIGHT / 100);
+    EXPECT_GT(std::count(lines.begin(), lines.end(), BLACK), WIDTH * HEIGHT / 4);
+    GLint modes[2]; // of front faces and of back faces
+    glGetIntegerv(GL_POLYGON_MODE, modes);
+    EXPECT_EQ(Ids({modes[0], modes[1]}), Ids({GL_LINE, GL_LINE}));
+}
+
+TEST_F(Frame, ShadowFallsStraightDownBelowTheCube)
 {
     orientation = {1, 0, 0, 0};
     for (const Vector from : {eye, {-380, -60, 460}})
@@ -316,13 +404,13 @@ TEST_F(Frame, ShadowFallsStraightDownOnWhatIsBelowTheCube)
         }
         EXPECT_GT(inside, 100);
     }
-    eye = {20, -150, 30}; // in the shaded column it looks out on what is lit
+    eye = {20, -150, 30}; // inside the shadow; the corners of the picture show ground outside of it
     const Picture bare = show(0), shade = show(SHADE);
     for (int corner : {5, WIDTH - 5, (HEIGHT - 5) * WIDTH + 5, HEIGHT * WIDTH - 5})
         EXPECT_EQ(shade[corner], bare[corner]) << corner;
 }
 
-TEST_F(Frame, TextsTellScoreSizeAndTheEndInBlackOverEverything)
+TEST_F(Frame, TextsTellScoreSizeAndGameOverInBlackInFrontOfEverything)
 {
     cb.score = 8888;
     cb.size = cb.targetSize = 49;
@@ -330,7 +418,7 @@ TEST_F(Frame, TextsTellScoreSizeAndTheEndInBlackOverEverything)
     const Picture picture = show(SHADE);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
-    glColor3f(1, 1, 1); // the same texts would leave no black
+    glColor3f(1, 1, 1); // these white texts must cover every black pixel of the frame
     for (const auto &[text, height] : {std::pair{"8888 points", 270.0f},
                                        {"49 meters", 200.0f},
                                        {"GAME OVER - Press Escape", 0.0f}})
@@ -341,7 +429,7 @@ TEST_F(Frame, TextsTellScoreSizeAndTheEndInBlackOverEverything)
     }
     const Picture white = look();
     const auto black = std::count(picture.begin(), picture.end(), BLACK);
-    EXPECT_GT(black, 1800);
+    EXPECT_GT(black, 1800) << "pixels";
     EXPECT_EQ(std::count(white.begin(), white.end(), BLACK), 0);
     EXPECT_EQ(std::count(white.begin(), white.end(), WHITE), black);
 }

@@ -1,4 +1,4 @@
-// scene.h - what the tests on a real OpenGL context share: a display, a land, an eye, a picture.
+// scene.h - what the tests share that draw with a real OpenGL: a display, a land, an eye, pictures.
 #pragma once
 
 #include "fixtures.h"
@@ -6,28 +6,30 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
-#include <algorithm>
-#include <cmath>
+#include <array>
+#include <cstdlib>
 #include <functional>
-#include <map>
+#include <vector>
 
 inline constexpr int WIDTH = 1024, HEIGHT = 768;
 using Rgb = std::array<uint8_t, 3>;
 using Picture = std::vector<Rgb>; // row by row from the bottom
 inline constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 255};
-// The corners of the test picture by [s][t]: none is another's mirror image.
+// The colours of the four quarters of the test picture by [s][t]. They all differ, so that a
+// picture that is mirrored or turned shows.
 inline constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
 
 inline void writeImage(const char *name, int width, int height, int bytes,
                        std::function<Rgb(int, int)> colour)
 {
-    Bytes pixels; // blue, green and red, and blue once more as alpha
+    Bytes pixels; // blue, green, red and, as alpha, blue again
     for (int i = 0; i < width * height * bytes; ++i)
         pixels.push_back(colour(i / bytes % width, i / bytes / width)[2 - i % bytes % 3]);
     writeFile(name, tga(bytes < 3 ? 3 : 2, width, height, bytes * 8, pixels));
 }
 
-// One video mode for all tests; each starts as start-up does, on a black screen.
+// All tests share one video mode. Each test starts with the OpenGL state of the start-up and with
+// cleared buffers.
 struct Scene : EmptyWorld
 {
     static void SetUpTestSuite()
@@ -64,7 +66,7 @@ struct Scene : EmptyWorld
     }
 };
 
-// Side * side samples of some grey level and colour; by itself flat land, 150 units high.
+// A land of side * side samples; by default it is white, flat and 150 units high.
 inline void build(
     int side, std::function<int(int x, int z)> level = [](int, int) { return 64; },
     std::function<Rgb(int x, int z)> colour = [](int, int) { return WHITE; }, int people = 0,
@@ -95,7 +97,7 @@ inline Picture look()
     return picture;
 }
 
-// Where the current view shows a point: x and y in pixels, z in the depth buffer.
+// The pixel, x and y, at which the current view shows a point, and its depth, z.
 inline Vector project(Vector world)
 {
     GLdouble model[16], projection[16], x, y, z;
@@ -106,13 +108,14 @@ inline Vector project(Vector world)
     return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
+// The colour at the pixel of a point.
 inline Rgb seen(const Picture &picture, Vector world)
 {
     const Vector at = project(world);
     return picture.at(int(at.y) * WIDTH + int(at.x));
 }
 
-inline bool isAlike(Rgb a, Rgb b) // within 8 of 255
+inline bool isAlike(Rgb a, Rgb b) // to 8 of 255
 {
     return abs(a[0] - b[0]) <= 8 && abs(a[1] - b[1]) <= 8 && abs(a[2] - b[2]) <= 8;
 }

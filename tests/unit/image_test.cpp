@@ -1,4 +1,5 @@
-#include "fixtures.h"
+#include "image.h"
+#include "world.h"
 
 #include <cstring>
 #include <tuple>
@@ -17,7 +18,7 @@ static Loaded load(const std::string &name, void (*convert)(TgaImage *) = nullpt
     return {status, type, depth, width, height, pixels};
 }
 
-static uint8_t *owned(const Bytes &bytes)
+static uint8_t *allocateCopy(const Bytes &bytes)
 {
     return static_cast<uint8_t *>(memcpy(malloc(bytes.size()), bytes.data(), bytes.size()));
 }
@@ -28,26 +29,26 @@ TEST_F(World, ImagesOfEveryDepthAreSavedAndLoadedAgain)
     {
         uint8_t type, depth;
         int16_t width;
-        Bytes stored, memory;
+        Bytes file, memory; // pixels
     } rows[] = {
-        {3, 8, 258, Bytes(258, 9), Bytes(258, 9)}, // two bytes of width
+        {3, 8, 258, Bytes(258, 9), Bytes(258, 9)}, // a width of two bytes
         {3, 16, 2, {1, 2, 3, 4}, {1, 2, 3, 4}},
         {2, 24, 2, {3, 2, 1, 6, 5, 4}, {1, 2, 3, 4, 5, 6}},
         {2, 32, 2, {3, 2, 1, 4, 7, 6, 5, 8}, {1, 2, 3, 4, 5, 6, 7, 8}},
     };
-    for (const auto &[type, depth, width, stored, memory] : rows)
+    for (const auto &[type, depth, width, file, memory] : rows)
     {
         const Loaded expected = {TGA_OK, type, depth, width, 1, memory};
-        writeFile("a.tga", tga(type, width, 1, depth, stored));
-        EXPECT_EQ(tgaSave("b.tga", width, 1, depth, owned(memory)), TGA_OK);
+        writeFile("a.tga", tga(type, width, 1, depth, file));
+        EXPECT_EQ(tgaSave("b.tga", width, 1, depth, allocateCopy(memory)), TGA_OK);
         EXPECT_EQ(load("a.tga"), expected);
         EXPECT_EQ(load("b.tga"), expected);
     }
 }
 
-TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)
+TEST_F(World, GreyWeighsTheColoursAndMagentaBecomesTransparent)
 {
-    // Stored as blue, green, red. 0.3 * 128 + 0.59 * 128 + 0.11 * 128 falls short of 128.
+    // Files hold blue, green and red. 0.3 * 128 + 0.59 * 128 + 0.11 * 128 falls short of 128.
     writeFile("a.tga", tga(2, 3, 1, 24, {128, 128, 128, 254, 0, 255, 255, 0, 255}));
     writeFile("b.tga", tga(2, 1, 1, 32, {104, 200, 0, 9}));
     EXPECT_EQ(load("a.tga", tgaRGBtoGreyscale), Loaded(1, 3, 8, 3, 1, {127, 104, 104}));
@@ -56,14 +57,14 @@ TEST_F(World, GreyWeighsTheColoursAndMagentaIsTheKey)
               Loaded(1, 2, 32, 3, 1, {128, 128, 128, 255, 255, 0, 254, 255, 0, 0, 0, 0}));
 }
 
-TEST_F(World, NumberedNamesCountOnlyWhatWasWritten)
+TEST_F(World, FailedSaveUsesUpNoNumber)
 {
-    uint8_t *kept = owned({1});
+    uint8_t *pixels = allocateCopy({1});
     savedImages = 2147483645;
-    EXPECT_EQ(tgaSaveSeries("nowhere/grab", 1, 1, 8, kept), TGA_ERROR_OPEN);
-    free(kept);
-    EXPECT_EQ(tgaGrabScreenSeries("nowhere/grab", 0, 0, 64, 48), TGA_ERROR_OPEN) << "released";
-    EXPECT_EQ(tgaSaveSeries("a", 1, 1, 8, owned({7})), TGA_OK);
+    EXPECT_EQ(tgaSaveSeries("nowhere/grab", 1, 1, 8, pixels), TGA_ERROR_OPEN);
+    free(pixels); // a failed save leaves them to the caller
+    EXPECT_EQ(tgaGrabScreenSeries("nowhere/grab", 0, 0, 64, 48), TGA_ERROR_OPEN);
+    EXPECT_EQ(tgaSaveSeries("a", 1, 1, 8, allocateCopy({7})), TGA_OK);
     EXPECT_EQ(tgaGrabScreenSeries("b", 10, 20, 13, 22), TGA_OK);
     EXPECT_EQ(load("a2147483645.tga"), Loaded(1, 3, 8, 1, 1, {7}));
     EXPECT_EQ(load("b2147483646.tga"), Loaded(1, 2, 32, 3, 2, Bytes(24)));

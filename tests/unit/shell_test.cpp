@@ -1,19 +1,19 @@
-#include "fixtures.h"
+#include "world.h"
 
-TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
+TEST_F(World, HeldKeysAddTorqueAndTurnTheHeading)
 {
     const struct
     {
         SDLKey keys[2];
         float heading, spinX, spinZ, speedX, speedZ;
-        Vector torque; // in units of size times mass; it was (10, 10, 10)
+        Vector torque; // afterwards, in units of size times mass; before, it is (10, 10, 10)
         float newHeading;
     } rows[] = {
         {{SDLK_UP, SDLK_UNKNOWN}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // at the spin limit
         {{SDLK_LEFT, SDLK_UNKNOWN}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
-        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // not yet moving
+        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // too slow to roll
         {{SDLK_LEFT, SDLK_RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
-        {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90},
+        {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90}, // too slow to brake
         {{SDLK_DOWN, SDLK_UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},
         {{SDLK_DOWN, SDLK_UNKNOWN}, 90, 1.6f, 1, 0, 0, {-48, -270, -30}, 90},
     };
@@ -33,7 +33,7 @@ TEST_F(World, HeldKeysTurnIntoTorqueAndHeading)
     }
 }
 
-TEST_F(World, IPrintsTheDiagnosticBlock)
+TEST_F(World, KeyIPrintsTheDiagnosticBlock)
 {
     held[SDLK_i] = 1;
     timeH = 0.2f;
@@ -44,16 +44,17 @@ TEST_F(World, IPrintsTheDiagnosticBlock)
     cb.angularMomentum = {10, 11, 12};
     testing::internal::CaptureStderr();
     handleKeyDown();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "\n-----------------------\n\nFrame Rate:  5.0\n\nDraw Distance: 5000\n"
-              "\n-----------------------\n\nCube Information:\n\tPosition: (1,-2,2147483647)\n"
-              "\tVelocity: (1,2,3)\n\tForce: (4,5,6)\n\tTorque: (7,8,9)\n"
-              "\tMomentum: (0,0,1000000000)\n\tAngular Momentum: (10,11,12)\n"
-              "\nCamera Information:\n\tPosition: (-200,500,-4000)\n");
+    EXPECT_TRUE(
+        isSameText(testing::internal::GetCapturedStderr(),
+                   "\n-----------------------\n\nFrame Rate:  5.0\n\nDraw Distance: 5000\n"
+                   "\n-----------------------\n\nCube Information:\n\tPosition: (1,-2,2147483647)\n"
+                   "\tVelocity: (1,2,3)\n\tForce: (4,5,6)\n\tTorque: (7,8,9)\n"
+                   "\tMomentum: (0,0,1000000000)\n\tAngular Momentum: (10,11,12)\n"
+                   "\nCamera Information:\n\tPosition: (-200,500,-4000)\n"));
 }
 
-// One frame after another. Returns the draw distance after them.
-static int frames(int count, int milliseconds)
+// Draws frames one after another. Returns the draw distance after them.
+static int drawFrames(int count, int milliseconds)
 {
     for (; count > 0; --count)
     {
@@ -63,30 +64,30 @@ static int frames(int count, int milliseconds)
     return VIEW_DISTANCE;
 }
 
-TEST_F(World, DrawDistanceAndShadowFollowTheFrameTime)
+TEST_F(World, SlowFramesShortenTheDrawDistanceAndEndTheShadow)
 {
     fakeTicks = 1500;
     initAnimation();
     const struct
     {
-        int milliseconds, distance; // of a frame, and after it
+        int milliseconds, distance; // of a frame; after it
     } rows[] = {
-        {28, 5000}, {16, 5005}, {0, 5010}, // the first frames may share a millisecond
+        {28, 5000}, {16, 5005}, {0, 5010}, // the first frames may fall into one millisecond
         {30, 5010}, {39, 5010}, {41, 5005}, {846, 5000},
     };
     for (const auto &row : rows)
     {
-        EXPECT_EQ(frames(1, row.milliseconds), row.distance);
+        EXPECT_EQ(drawFrames(1, row.milliseconds), row.distance);
         EXPECT_NEAR(timeH * 1000, row.milliseconds, 1e-3);
     }
-    frames(15, 125); // an eighth of a second adds up exactly
+    drawFrames(15, 125); // eighths of a second add up without rounding
     EXPECT_EQ(SHADOW, 1);
-    frames(1, 125);
+    drawFrames(1, 125);
     EXPECT_EQ(shadowSwitchTime, 2);
     EXPECT_EQ(SHADOW, 0);
-    EXPECT_EQ(frames(450, 125), 3000) << "the floor in play";
+    EXPECT_EQ(drawFrames(450, 125), 3000) << "the shortest distance in play";
     gameOver = 1;
-    EXPECT_EQ(frames(5, 125), 4500) << "the floor after game over";
-    EXPECT_EQ(frames(102, 10), 5010);
-    EXPECT_EQ(SHADOW, 0) << "for good";
+    EXPECT_EQ(drawFrames(5, 125), 4500) << "the shortest distance after game over";
+    EXPECT_EQ(drawFrames(102, 10), 5010);
+    EXPECT_EQ(SHADOW, 0) << "the shadow comes back";
 }

@@ -1,4 +1,8 @@
-#include "fixtures.h"
+#include "world.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 TEST_F(World, LandIsBuiltFromItsImages)
 {

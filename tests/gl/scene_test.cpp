@@ -1,17 +1,12 @@
-// The sky, a person at close quarters, and a picture taken of the screen.
+// The sky and a person at close quarters, each drawn alone, and a grab of the screen.
+#include "image.h"
 #include "scene.h"
 
-// In place of SDL: a clock that tests set, and finished frames that stay readable.
-extern "C" uint32_t __wrap_SDL_GetTicks()
-{
-    return fakeTicks;
-}
+#include <algorithm>
+#include <functional>
+#include <vector>
 
-extern "C" void __wrap_SDL_GL_SwapBuffers()
-{
-}
-
-TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
+TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)
 {
     cam.position = {1000, 300, -500};
     for (const Vector ahead : {Vector{0, 0, 1}, {1, 0, 0}, {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}})
@@ -22,21 +17,23 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
         aim(cam.position, wall, up);
         drawSkyBox();
         const Picture picture = look();
-        EXPECT_EQ(std::count(picture.begin(), picture.end(), BLACK), 0) << "a hole";
+        EXPECT_EQ(std::count(picture.begin(), picture.end(), BLACK), 0) << "pixels without sky";
         float depth;
         glReadPixels(500, 400, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
         EXPECT_EQ(depth, 1);
         if (ahead.y != 0)
             continue;
-        const Vector centre = off(wall, up, 15); // it is above the eye
-        EXPECT_PRED2(isAlike, seen(picture, centre), (Rgb{127, 127, 64})) << "a smooth mix";
+        const Vector centre = off(wall, up, 15); // of the wall, which is above the eye
+        EXPECT_PRED2(isAlike, seen(picture, centre), (Rgb{127, 127, 64}))
+            << "the texels are not mixed";
         for (int corner = 0; corner < 4; ++corner)
         {
             const Vector row = off(centre, up, corner % 2 ? 40 : -40);
             EXPECT_PRED2(isAlike, seen(picture, off(row, right, corner / 2 ? 40 : -40)),
                          CORNERS[corner / 2][corner % 2]);
         }
-        // Near its edge the top row mixes with the border, of the colour of the first texel.
+        // At its upper edge the wall mixes its texture with the border, which has the colour of the
+        // first texel.
         const Vector edge = off(off(centre, up, 97), right, 40);
         aim(cam.position, edge, up);
         drawSkyBox();
@@ -44,16 +41,17 @@ TEST_F(Scene, SkyIsAllAroundTheEyeTheRightWayRoundAndBehindEverything)
     }
 }
 
-constexpr Vector FEET = {-3000, 0, 3000}; // in a corner of the land, where x and z differ
+constexpr Vector FEET = {-3000, 0, 3000}; // in a corner of the land, so that x and z differ
 
-static void addOnePerson() // who is drawn 1 unit higher
+static void addOnePerson() // 1 unit below FEET, since people are drawn 1 unit higher
 {
     build(256);
     cb.position = FEET;
     addPerson(peopleLst, {1, off(FEET, {0, 1, 0}, -1), {}, 0, nullptr, 0, nullptr, 0});
 }
 
-// x and y are units from the feet.
+// Looks at the person from eyeZ and compares points x and y units from the feet with what is
+// expected.
 static void expectPerson(float eyeZ, std::vector<float> rows,
                          std::function<Rgb(float x, float y)> expected)
 {
@@ -71,7 +69,7 @@ TEST_F(Scene, PersonIsABlackStickFigureFromBothSides)
 {
     constexpr const char *FIGURE[] = {"-#-#-", "-#-#-", "-#-#-", "-###-",
                                       "-###-", "#####", "#-#-#"};
-    const auto figure = [&](float x, float y) // in squares of 2 units
+    const auto figure = [&](float x, float y) // FIGURE has squares of 2 units
     {
         const bool isIn = -4 < x && x < 6 && y < 14;
         return isIn && FIGURE[int(y / 2)][int(x / 2 + 2)] == '#' ? BLACK : Rgb{51, 102, 153};
@@ -82,7 +80,7 @@ TEST_F(Scene, PersonIsABlackStickFigureFromBothSides)
         expectPerson(eyeZ, {1, 3, 5, 7, 9, 11, 13, 15}, figure);
 }
 
-TEST_F(Scene, PictureBoardAddsItsPicturesToWhatIsBehind)
+TEST_F(Scene, PictureBoardAddsItsPictureToTheBackground)
 {
     glClearColor(0, 0, 0.2f, 1);
     TRANSPARENCY = 1;
@@ -99,7 +97,7 @@ TEST_F(Scene, PictureBoardAddsItsPicturesToWhatIsBehind)
                      });
 }
 
-TEST_F(Scene, ScreenGrabReadsBackItsRectangleAsItWasSeen)
+TEST_F(Scene, ScreenGrabSavesTheRectangleAsItIsSeen)
 {
     aim({0, 0, 200}, {0, 0, 0}, {0, 1, 0});
     drawCube(&cb);

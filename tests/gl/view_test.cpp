@@ -1,10 +1,14 @@
-// What a frame leaves out because it is out of view changes no pixel of it.
+// A frame does not send what is out of view. These tests compare its pixels with those of a frame
+// that sends everything.
+#include "animate.h"
 #include "scene.h"
 #include "view.h"
 
+#include <cmath>
+
 namespace
 {
-// Land, people and tanks as many as in the game, on hills that are alike along no two directions.
+// As many people and tanks as in the game, on hills that look different in every direction.
 struct WholeWorld : Scene
 {
     void SetUp() override
@@ -19,9 +23,9 @@ struct WholeWorld : Scene
         build(500, level, colour, 20000, 1500);
         randomTankPlacement(tankLst, 500, 500, 25);
         for (TankNode *node = tankLst->head; node; node = node->next)
-            node->tank.lastShotTime = 1e9f; // a shot that lands changes the land it was drawn over
+            node->tank.lastShotTime = 1e9f; // no tank fires: a shot that lands changes the land
         VIEW_DISTANCE = 40000;
-        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // from now on the clock stands
+        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // later steps take no time
         initCube(&cb);
         cb.orientation = normalize({0.9f, 0.3f, -0.2f, 0.1f});
         for (float x = -900; x < 6000; x += 230)
@@ -33,8 +37,8 @@ struct WholeWorld : Scene
 struct Place
 {
     const char *name;
-    Vector cube; // above the ground
-    Vector eye;  // from the cube
+    Vector cube; // y is above the ground
+    Vector eye;  // relative to the cube
     int distance;
     bool over;
 };
@@ -43,15 +47,15 @@ struct Place
 constexpr Place PLACES[] = {
     {"behind on the ground", {130, 50, -420}, {20, 240, -310}, 5000, false},
     {"along -z", {-2100, 50, 800}, {0, 150, 330}, 2500, false},
-    {"from below it", {700, 400, -1500}, {140, -330, 60}, 5000, false},
+    {"from below the cube", {700, 400, -1500}, {140, -330, 60}, 5000, false},
     {"steeply down", {40, 60, 70}, {9, 1500, -4}, 6000, false},
     {"straight down", {0, 50, 0}, {0, 900, 0}, 5000, false},
     {"straight up", {300, 1500, 600}, {0, -1300, 0}, 5000, false},
     {"at the lower rim", {-6100, 50, -6050}, {290, 260, 170}, 5000, false},
     {"at the upper rim", {6150, 80, 5900}, {-200, 300, -240}, 14000, false},
     {"off the land, looking back", {6900, 700, -300}, {800, 200, 90}, 14000, false},
-    {"the land from its corner", {-5800, 900, -5700}, {-400, 500, -330}, 14000, false},
-    {"circling after the end", {500, 10, 900}, {-640, 1100, 770}, 4500, true},
+    {"from a corner of the land", {-5800, 900, -5700}, {-400, 500, -330}, 14000, false},
+    {"circling after game over", {500, 10, 900}, {-640, 1100, 770}, 4500, true},
     {"over craters", {1500, 90, 240}, {-320, 260, -60}, 5000, false},
 };
 
@@ -65,10 +69,11 @@ static void drawFrom(const Place &place)
     gameOver = place.over;
     SHADOW = 1;
     drawScreen();
-    VIEW_DISTANCE = place.distance; // which the frame has adapted
+    VIEW_DISTANCE = place.distance; // the frame has changed it
 }
 
-// The frame that was just drawn once more: everything in range, alpha tested, the shadow unbounded.
+// Draws the last frame again, but sends everything that is in range, tests alpha and lets the
+// shadow cover the whole screen.
 static void drawAllInRange()
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -89,12 +94,13 @@ static void drawAllInRange()
     glPopMatrix();
 }
 
-TEST_F(WholeWorld, LooksTheSameWithoutWhatIsOutOfView)
+TEST_F(WholeWorld, LeavingOutWhatIsOutOfViewChangesNoPixel)
 {
     for (const Place &place : PLACES)
     {
         drawFrom(place);
-        EXPECT_EQ(screenArea(&cb.position, 1, 800, 400).width, 800) << "the view is left set";
+        EXPECT_EQ(screenArea(&cb.position, 1, 800, 400).width, 800)
+            << "the view is still set after the frame";
         const Picture drawn = look();
         ASSERT_TRUE(glIsEnabled(GL_ALPHA_TEST));
         drawAllInRange();

@@ -1,0 +1,85 @@
+// Games in which one allocation fails, at every place in the code that allocates.
+#include "game.h"
+#include "main.h"
+
+#include <map>
+#include <regex>
+#include <set>
+
+constexpr int SIDE = 50; // samples along each side of the land of the start
+
+// How the log goes on when an allocation of so many bytes fails, as a regular expression. Other
+// sizes belong to images.
+static const std::map<size_t, std::string> COMPLAINTS = {
+    {sizeof(PeopleList), "out: Failed to allocate memory to people list\n"},
+    {sizeof(TankList), "Failed to allocate memory to tank list\n"},
+    {sizeof(ShotList), "Failed to allocate memory to shot list\n|.*display list array"},
+    {sizeof(PersonNode), "...FAILED ALLOCATION OF MEMORY!"},
+    {sizeof(PersonNode *), "ERROR FAILED ALLOCATION AT [0-9]+:[0-9]+\n"
+                           "...FAILED TO MAKE PEOPLE LIST\n|"
+                           ".*display list array not initialised\n|"
+                           "out: Failed to allocate memory to remove list\n"},
+    {SIDE * sizeof(float *), "   ...(map|normals|colours) array not initialised\n"},
+    {SIDE * sizeof(float), "   ...map array not initialised\n"},
+    {SIDE * sizeof(Vector), "   ...(normals|colours) array not initialised\n"},
+    {SIDE * SIDE, "   ...Height image is not of correct format: 3\n"}, // it is not turned to grey
+    {sizeof(TankNode), ""}, // there is one tank less, of which the game says nothing
+    {sizeof(Shot), ""},     // one shot less
+};
+
+namespace
+{
+struct Memory : Process
+{
+    // Lets the allocation of that number fail.
+    void expectComplaint(Play script, int call, size_t bytes) const
+    {
+        SCOPED_TRACE(testing::Message() << "allocation " << call << ", " << bytes << " bytes");
+        script.failingCall = call;
+        const std::string log = playGame(script), start = startLog(script.frames == 0);
+        expectQuitAtTheEnd(log);
+        const auto known = COMPLAINTS.find(bytes);
+        const std::string expected =
+            known == COMPLAINTS.end() ? "   ...couldn't load TGA\n" : known->second;
+        const TextDifference difference = firstDifference(log, start + quitLog(start));
+        EXPECT_TRUE(std::regex_search(log.substr(difference.offset), std::regex(expected),
+                                      std::regex_constants::match_continuous))
+            << "line " << difference.line << " should be " << expected << "but is "
+            << difference.actual;
+    }
+
+    // The first, the second, a middle and the last allocation of each place.
+    void failEachPlace(const Play &script) const
+    {
+        expectQuitAtTheEnd(playGame(script));
+        std::map<Allocation, std::vector<int>> places;
+        for (int i = 0; i < report->allocations; ++i)
+            places[report->allocation[i]].push_back(i + 1);
+        EXPECT_GT(places.size(), 2u);
+        for (const auto &[place, calls] : places)
+            for (size_t i :
+                 std::set<size_t>{0, calls.size() > 1, calls.size() / 2, calls.size() - 1})
+                expectComplaint(script, calls[i], place.second);
+    }
+};
+} // namespace
+
+TEST_F(Memory, FailedAllocationEndsTheStartWithItsLineAndStatus0)
+{
+    makeImages(SIDE);
+    failEachPlace({});
+}
+
+TEST_F(Memory, FailedAllocationInPlayLosesNobody)
+{
+    makeImages(256);
+    const auto script = [](int now)
+    {
+        if (now == 0)
+            cb.position = vectorInit(0, 300, 0); // near the ground, so that play begins at once
+        requireWholeWorld();
+    };
+    Play game = {40, script, [](int) { return 100; }};
+    game.failsInPlay = true;
+    failEachPlace(game);
+}

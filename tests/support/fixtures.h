@@ -1,0 +1,174 @@
+// fixtures.h - what the tests share: comparisons, images written byte by byte, and a small world.
+#pragma once
+
+#include "camera.h"
+#include "cube.h"
+#include "main.h"
+#include "people.h"
+#include "shot.h"
+#include "tank.h"
+#include "terrain.h"
+#include "util.h"
+
+#include <SDL.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+typedef std::vector<uint8_t> Bytes;
+typedef std::vector<int> Ids;
+
+inline uint32_t fakeTicks = 0; // milliseconds; what SDL_GetTicks answers through stopped_clock.cpp
+
+// ---- comparisons --------------------------------------------------------------------------------
+
+inline std::ostream &operator<<(std::ostream &stream, Vector v)
+{
+    return stream << '(' << v.x << ", " << v.y << ", " << v.z << ')';
+}
+
+// Each component lies within the tolerance; NaN never does.
+inline testing::AssertionResult isNear(Vector actual, Vector expected, double tolerance)
+{
+    const bool isWithin = std::fabs(actual.x - expected.x) <= tolerance &&
+                          std::fabs(actual.y - expected.y) <= tolerance &&
+                          std::fabs(actual.z - expected.z) <= tolerance;
+    return (isWithin ? testing::AssertionSuccess() : testing::AssertionFailure())
+           << actual << " instead of " << expected;
+}
+
+struct TextDifference
+{
+    int line;      // of the first line that differs, from 1; 0 when the texts are equal
+    size_t offset; // where that line begins in the actual text
+    std::string actual, expected;
+};
+
+inline TextDifference firstDifference(const std::string &actual, const std::string &expected)
+{
+    std::istringstream actualLines(actual), expectedLines(expected);
+    TextDifference at = {1, 0, "", ""};
+    for (; actual != expected; ++at.line)
+    {
+        const bool isMore = static_cast<bool>(std::getline(actualLines, at.actual));
+        const bool isMoreExpected = static_cast<bool>(std::getline(expectedLines, at.expected));
+        if (!isMore || !isMoreExpected || at.actual != at.expected)
+        {
+            at.actual = isMore ? at.actual : "(the end)";
+            at.expected = isMoreExpected ? at.expected : "(the end)";
+            return at;
+        }
+        at.offset += at.actual.size() + 1;
+    }
+    return {0, actual.size(), "", ""};
+}
+
+inline testing::AssertionResult isSameText(const std::string &actual, const std::string &expected)
+{
+    const TextDifference at = firstDifference(actual, expected);
+    if (at.line == 0)
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "line " << at.line << " differs\n  expected: " << at.expected
+           << "\n  actual:   " << at.actual;
+}
+
+// The identities in a list of shots, tanks or people, from its head.
+template <typename Node> Ids idsFrom(const Node *node)
+{
+    Ids ids;
+    for (; node; node = node->next)
+        if constexpr (std::is_same_v<Node, TankNode>)
+            ids.push_back(node->tank.id);
+        else if constexpr (std::is_same_v<Node, PersonNode>)
+            ids.push_back(node->person.id);
+        else
+            ids.push_back(node->id);
+    return ids;
+}
+
+// Removes the middle, the first and the last node of a list of 3, 2 and 1.
+template <typename Node, typename Remove> void expectRemovals(Node *const &head, Remove remove)
+{
+    ASSERT_EQ(idsFrom(head), Ids({3, 2, 1}));
+    for (const auto &[id, remaining] :
+         std::vector<std::pair<int, Ids>>{{2, {3, 1}}, {3, {1}}, {1, {}}})
+    {
+        EXPECT_EQ(remove(id), 1);
+        EXPECT_EQ(remove(id), 0) << "it has been removed already";
+        EXPECT_EQ(idsFrom(head), remaining);
+    }
+}
+
+// ---- files --------------------------------------------------------------------------------------
+
+// An uncompressed image file. The bytes of pixels, in the order of the file, are written count
+// times.
+inline Bytes tga(int type, int width, int height, int depth, const Bytes &pixels, int count = 1)
+{
+    Bytes file = {0, 0, static_cast<uint8_t>(type), 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    for (int field : {width, width >> 8, height, height >> 8, depth, 0})
+        file.push_back(static_cast<uint8_t>(field));
+    for (int i = 0; i < count; ++i)
+        file.insert(file.end(), pixels.begin(), pixels.end());
+    return file;
+}
+
+inline void writeFile(const char *name, const Bytes &bytes)
+{
+    std::ofstream(name, std::ios::binary) << std::string(bytes.begin(), bytes.end());
+}
+
+// A new working directory.
+struct Folder
+{
+    Folder()
+    {
+        char folder[] = "/tmp/tumbledown-XXXXXX";
+        std::filesystem::current_path(mkdtemp(folder));
+    }
+    ~Folder()
+    {
+        std::filesystem::remove_all(std::filesystem::current_path());
+        std::filesystem::current_path("/");
+    }
+};
+
+// ---- worlds -------------------------------------------------------------------------------------
+
+// The globals of the game as they are at the start, with empty lists. No key is held.
+struct EmptyWorld : testing::Test
+{
+    EmptyWorld()
+    {
+        peopleLst = static_cast<PeopleList *>(calloc(1, sizeof(PeopleList)));
+        tankLst = static_cast<TankList *>(calloc(1, sizeof(TankList)));
+        shotLst = static_cast<ShotList *>(calloc(1, sizeof(ShotList)));
+        cb = {};
+        ter = {};
+        keys = held;
+        VIEW_DISTANCE = 5000;
+        SHADOW = TERRAIN_DEFORMING = 1;
+        WIRE_FRAME = TRANSPARENCY = gameOver = 0;
+        shadowSwitchTime = 0;
+    }
+    ~EmptyWorld() override
+    {
+        EXPECT_TRUE(destroyPersonList(peopleLst) && destroyTankList(tankLst) &&
+                    destroyShotList(shotLst));
+        deleteTerrain(&ter);
+        destroyCube(&cb);
+    }
+
+    Folder folder;
+    uint8_t held[SDLK_LAST] = {};
+};

@@ -5,12 +5,7 @@
 
 #include <GL/glut.h>
 
-#include <algorithm>
-#include <cmath>
 #include <map>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace
 {

@@ -7,9 +7,7 @@
 #include <GL/glu.h>
 
 #include <array>
-#include <cstdlib>
 #include <functional>
-#include <vector>
 
 inline constexpr int WIDTH = 1024, HEIGHT = 768;
 using Rgb = std::array<uint8_t, 3>;

@@ -2,10 +2,6 @@
 #include "image.h"
 #include "scene.h"
 
-#include <algorithm>
-#include <functional>
-#include <vector>
-
 TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)
 {
     cam.position = {1000, 300, -500};

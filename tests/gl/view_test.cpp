@@ -4,8 +4,6 @@
 #include "scene.h"
 #include "view.h"
 
-#include <cmath>
-
 namespace
 {
 // As many people and tanks as in the game, on hills that look different in every direction.

@@ -3,12 +3,7 @@
 #include "driver.h"
 #include "main.h"
 
-#include <SDL.h>
-
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <regex>
 #include <set>
 #include <sys/mman.h>
@@ -35,18 +30,13 @@ static bool isPlaying = false; // its start-up is over
 static uint8_t keysHeld[SDLK_LAST];
 static int displayAttributes[64];
 
-void require(const testing::AssertionResult &condition, const char *fault)
+void require(bool condition, const char *fault)
 {
     if (condition)
         return;
     isRunning = false;
-    fprintf(stderr, "frame %d: %s: %s\n", frame, fault, condition.message());
+    fprintf(stderr, "frame %d: %s\n", frame, fault);
     _Exit(1);
-}
-
-static void require(bool condition, const char *fault)
-{
-    require(testing::AssertionResult(condition), fault);
 }
 
 // ---- in place of SDL and the C library ----------------------------------------------------------
@@ -153,6 +143,20 @@ static ssize_t logOutput(void *, const char *text, size_t size)
     _Exit(2); // SDL_main never returns
 }
 
+static std::string transcript(const char *name)
+{
+    std::ifstream stream(SUPPORT_FOLDER + std::string(name));
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+// The land is released only once its construction has begun.
+static std::string quitAfter(const std::string &start)
+{
+    const std::string quit = transcript("/quit.txt") + "SDL_Quit\n";
+    const bool hasLand = start.find("Loading image") != start.npos;
+    return hasLand ? quit : std::regex_replace(quit, std::regex("\nFreeing(.*\n){3}"), "\n");
+}
+
 std::string playGame(const Play &script)
 {
     report->allocations = report->frames = 0;
@@ -170,28 +174,10 @@ std::string playGame(const Play &script)
     fclose(file);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << log;
     EXPECT_EQ(report->frames, script.frames) << "frames were drawn";
-    return log;
-}
-
-static std::string transcript(const char *name)
-{
-    std::ifstream stream(SUPPORT_FOLDER + std::string(name));
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-// The land is released only once its construction has begun.
-std::string quitLog(const std::string &start)
-{
-    const std::string quit = transcript("/quit.txt") + "SDL_Quit\n";
-    const bool hasLand = start.find("Loading image") != start.npos;
-    return hasLand ? quit : std::regex_replace(quit, std::regex("\nFreeing(.*\n){3}"), "\n");
-}
-
-void expectQuitAtTheEnd(const std::string &log)
-{
-    const std::string quit = quitLog(log);
-    const size_t start = log.rfind("Quitting\n");
-    EXPECT_TRUE(isSameText(start == log.npos ? log : log.substr(start), quit));
+    const size_t end = std::min(log.rfind("Quitting\n"), log.size());
+    const std::string start = log.substr(0, end);
+    EXPECT_TRUE(isSameText(log.substr(end), quitAfter(start))) << "at the end of the log";
+    return start;
 }
 
 // ---- the world of the child process -------------------------------------------------------------

@@ -5,11 +5,7 @@
 
 #include "fixtures.h"
 
-#include <cstdint>
 #include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
 struct Play
 {
@@ -42,14 +38,13 @@ struct Report
 extern Report *const report;
 extern Play play; // the game that is played; read by scripts
 
-// Plays a game and expects that it ends with status 0 after all its frames. Returns what it wrote
-// to standard error; lines that it wrote to standard output stand among them, after "out: ".
+// Plays a game and expects that it draws all its frames, quits with the lines of a quit and ends
+// with status 0. Returns what it wrote to standard error before it quit. Text that it wrote to
+// standard output is part of that, after "out: ".
 std::string playGame(const Play &script);
-std::string quitLog(const std::string &start); // what quit prints after a start that printed this
-void expectQuitAtTheEnd(const std::string &log);
 
-// For scripts, in the child process. A condition that does not hold ends the child with status 1.
-void require(const testing::AssertionResult &condition, const char *fault);
+// For scripts, in the child process. A condition that is false ends the child with status 1.
+void require(bool condition, const char *fault);
 std::vector<Person> crowd(); // everybody who is alive
 void requireWholeWorld();    // nobody is lost or there twice, and the score fits the crushed
 void rollAround();           // holds keys that roll the cube from place to place

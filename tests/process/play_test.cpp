@@ -28,8 +28,7 @@ TEST_F(Process, NobodyIsLostWhateverTheClockShowsAndWhereverTheCubeIs)
     for (const auto &row : rows)
     {
         SCOPED_TRACE(row.clock);
-        const std::string log = playGame({200, script, row.step}), start = startLog(false);
-        EXPECT_TRUE(isSameText(log, start + quitLog(start)));
+        EXPECT_TRUE(isSameText(playGame({200, script, row.step}), startLog(false)));
     }
 }
 
@@ -89,7 +88,7 @@ TEST_F(Process, FirstSecondsOfAGameGiveThePinnedFigures)
     makeImages(256);
     remove("TexPerson.tga"); // people are no picture boards, so the game does not read it
     const std::string log = playGame({PINNED[6].frame, script, [](int) { return 20; }});
-    EXPECT_TRUE(isSameText(log, startLog(false) + quitLog(log)));
+    EXPECT_TRUE(isSameText(log, startLog(false)));
     for (size_t i = 0; i < std::size(PINNED); ++i)
         EXPECT_TRUE(isNear(report->figures[i], PINNED[i].value, BOUND))
             << PINNED[i].what << " at frame " << PINNED[i].frame;

@@ -12,15 +12,14 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -46,40 +45,30 @@ inline testing::AssertionResult isNear(Vector actual, Vector expected, double to
            << actual << " instead of " << expected;
 }
 
-struct TextDifference
+struct TextDifference // the first line in which two texts differ
 {
-    int line;      // of the first line that differs, from 1; 0 when the texts are equal
-    size_t offset; // where that line begins in the actual text
+    long line;     // its number, from 1
+    size_t offset; // where it begins in both texts
     std::string actual, expected;
 };
 
 inline TextDifference firstDifference(const std::string &actual, const std::string &expected)
 {
-    std::istringstream actualLines(actual), expectedLines(expected);
-    TextDifference at = {1, 0, "", ""};
-    for (; actual != expected; ++at.line)
-    {
-        const bool isMore = static_cast<bool>(std::getline(actualLines, at.actual));
-        const bool isMoreExpected = static_cast<bool>(std::getline(expectedLines, at.expected));
-        if (!isMore || !isMoreExpected || at.actual != at.expected)
-        {
-            at.actual = isMore ? at.actual : "(the end)";
-            at.expected = isMoreExpected ? at.expected : "(the end)";
-            return at;
-        }
-        at.offset += at.actual.size() + 1;
-    }
-    return {0, actual.size(), "", ""};
+    const auto at = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    const std::string same(actual.begin(), at.first);
+    const size_t offset = same.rfind('\n') + 1;
+    const auto line = [offset](const std::string &text)
+    { return text.substr(offset, text.find('\n', offset) - offset); };
+    return {std::count(same.begin(), same.end(), '\n') + 1, offset, line(actual), line(expected)};
 }
 
 inline testing::AssertionResult isSameText(const std::string &actual, const std::string &expected)
 {
-    const TextDifference at = firstDifference(actual, expected);
-    if (at.line == 0)
+    if (actual == expected)
         return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << "line " << at.line << " differs\n  expected: " << at.expected
-           << "\n  actual:   " << at.actual;
+    const TextDifference at = firstDifference(actual, expected);
+    return testing::AssertionFailure() << "line " << at.line << "\n  expected: " << at.expected
+                                       << "\n    actual: " << at.actual;
 }
 
 // The identities in a list of shots, tanks or people, from its head.

@@ -1,9 +1,5 @@
 #include "world.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <utility>
-
 TEST_F(World, LandIsBuiltFromItsImages)
 {
     constexpr int SIDE = 25; // the least

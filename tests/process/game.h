@@ -10,8 +10,8 @@
 struct Play
 {
     int frames = 0; // after which Escape is held; 0: a start with picture boards, and no frame
-    std::function<void(int frame)> script = [](int) {
-    };                                               // called before each frame and before Escape
+    // Called before each frame, and before Escape is held.
+    std::function<void(int frame)> script = [](int) {};
     int (*step)(int frame) = [](int) { return 33; }; // milliseconds from one frame to the next
     const char *videoDriver = "dummy";               // of SDL
     bool isDrawn = false; // by OpenGL on the driver "x11"; otherwise OpenGL calls do nothing

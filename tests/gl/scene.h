@@ -2,6 +2,7 @@
 #pragma once
 
 #include "fixtures.h"
+#include "image.h"
 
 #include <GL/gl.h>
 #include <GL/glu.h>

@@ -1,5 +1,4 @@
 // The sky and a person at close quarters, each drawn alone, and a grab of the screen.
-#include "image.h"
 #include "scene.h"
 
 TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)

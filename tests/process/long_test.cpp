@@ -2,7 +2,7 @@
 #include "game.h"
 #include "main.h"
 
-#include <cstdio>
+#include <iostream>
 #include <sys/resource.h>
 
 template <typename... Values> // without padding
@@ -60,9 +60,9 @@ static void live(int now)
 static void expectMemory(const char *game, long slack)
 {
     const long early = report->kilobytes[0], late = report->kilobytes[1];
-    printf("%s: %d frames; hash %016lx; memory after a tenth %ld kB, at the end %ld kB, "
-           "at most %ld kB more\n",
-           game, report->frames, static_cast<unsigned long>(report->hash), early, late, slack);
+    std::cout << game << ": " << report->frames << " frames, hash " << report->hash << ", memory "
+              << early << " kB after a tenth, " << late << " kB at the end, at most "
+              << early + slack << " kB allowed\n";
     EXPECT_LT(late - early, slack) << "kilobytes";
 }
 

@@ -1,4 +1,4 @@
-// close_window WINDOW: asks it to close, as a window manager would.
+// close_window WINDOW: asks a window to close, as a window manager does.
 #include <X11/Xlib.h>
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
-// Preloaded under the leak checker: the OpenGL driver unloads itself at the end, and what it leaves
-// behind could then not be told from a leak of ours.
+// Preloaded for the leak checker, so that the OpenGL driver is not unloaded at the end: the checker
+// could not tell whose memory it is that an unloaded driver has not freed.
 extern "C" int dlclose(void *)
 {
     return 0;

@@ -1,6 +1,18 @@
 // The sky and a person at close quarters, each drawn alone, and a grab of the screen.
 #include "scene.h"
 
+TEST_F(Scene, SetupClearsTheStencilBuffer)
+{
+    glClearStencil(1);
+    glClear(GL_STENCIL_BUFFER_BIT);
+    glClearStencil(0);
+    tgaDestroy(skyBoxImage); // which setupOpengl loads again
+    setupOpengl(WIDTH, HEIGHT);
+    uint8_t stencil = 1;
+    glReadPixels(500, 400, 1, 1, GL_STENCIL_INDEX, GL_UNSIGNED_BYTE, &stencil);
+    EXPECT_EQ(stencil, 0);
+}
+
 TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)
 {
     cam.position = {1000, 300, -500};

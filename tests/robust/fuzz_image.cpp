@@ -1,4 +1,5 @@
-// Feeds arbitrary bytes to the image module as files: load, convert, save, load again.
+// Gives arbitrary bytes to the image module as files, which it loads, converts, saves and loads
+// again.
 #include "image.h"
 
 #include <cstdlib>
@@ -19,7 +20,7 @@ static size_t pixelBytes(const TgaImage *image)
     return static_cast<size_t>(image->width * image->height) * tgaBytesPerPixel(image);
 }
 
-// What a load gives back after a save of the same pixels.
+// Saves the pixels under another name and returns what a load gives back.
 static TgaImage *saveAndLoadAgain(const TgaImage *image)
 {
     uint8_t *copy = static_cast<uint8_t *>(malloc(pixelBytes(image) + 1));
@@ -49,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (image->status == TGA_OK)
     {
         TgaImage *keyed = saveAndLoadAgain(image);
-        tgaRGBTransparency(keyed); // makes four bytes of three
+        tgaRGBTransparency(keyed); // turns three bytes a pixel into four
         tgaDestroy(saveAndLoadAgain(keyed));
         tgaDestroy(keyed);
         tgaRGBtoGreyscale(image);

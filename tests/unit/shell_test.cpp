@@ -86,6 +86,9 @@ TEST_F(World, SlowFramesShortenTheDrawDistanceAndEndTheShadow)
     EXPECT_EQ(shadowSwitchTime, 2);
     EXPECT_EQ(SHADOW, 0);
     EXPECT_EQ(drawFrames(450, 125), 3000) << "the shortest distance in play";
+    VIEW_DISTANCE = 2990;
+    EXPECT_EQ(drawFrames(5, 125), 2990) << "a shorter distance is changed";
+    EXPECT_EQ(drawFrames(1, 10), 2995);
     gameOver = 1;
     EXPECT_EQ(drawFrames(5, 125), 4500) << "the shortest distance after game over";
     EXPECT_EQ(drawFrames(102, 10), 5010);

@@ -15,6 +15,7 @@ TEST_F(World, ShotsFlyTwiceAsFastAlongTheGroundAndMakeACraterWhereTheySink)
     for (const Vector &start : {Vector{0, 0, 0}, Vector{500, -6, 0}, Vector{2400, -7, 0}})
         addShot(shotLst, {0, start, {100, 80, -30}, 0, nullptr});
     updateShot(shotLst, &cb, 0.1f);
+    ASSERT_EQ(idsFrom(shotLst->head), Ids({2, 1, 0}));
     const Shot *first = shotLst->head->next->next;
     EXPECT_TRUE(isNear(first->position, {20, 6, -6}, 1e-4));
     EXPECT_TRUE(isNear(first->velocity, {100, 60, -30}, 1e-4));

@@ -1,6 +1,6 @@
-// Whole frames of a hilly land with a person, a tank, a shot, a tilted cube and its shadow, drawn
-// by drawScreen in steps of no time. They are compared with each other and with colours that are
-// computed here from OpenGL's formulas for lighting, texture and fog.
+// drawScreen draws whole frames of a hilly land with a person, a tank, a shot, a tilted cube and
+// its shadow, while the clock does not move. The frames are compared with each other and with
+// colours that are computed here from OpenGL's formulas for lighting, texture and fog.
 #include "scene.h"
 
 #include <GL/glut.h>
@@ -75,8 +75,7 @@ struct Frame : Scene
         SHADOW = things & SHADE ? 1 : 0;
     }
 
-    // Draws a frame. Afterwards the matrices are those of the frame again, as the tests compute
-    // them.
+    // Draws a frame and then sets the matrices of the frame, which the tests compute by themselves.
     Picture show(int things)
     {
         setOut(things);
@@ -102,7 +101,8 @@ struct Frame : Scene
             return false;
         float depth;
         glReadPixels(int(at.x), int(at.y), 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
-        return std::fabs((1 - at.z) / (1 - depth) - 1) < 0.01; // distances, to 1 %
+        return std::fabs((1 - at.z) / (1 - depth) - 1) <
+               0.01; // the distances differ by less than 1 %
     }
 
     // The colour that OpenGL's lighting, texture and fog give to a spot.
@@ -193,7 +193,7 @@ static bool isWithin(int sample, int period, int first, int last)
     return first <= sample % period && sample % period <= last;
 }
 
-// Neither the colours of two patches nor two repeats of the texture are mixed around the sample.
+// Around the sample OpenGL mixes neither the colours of two patches nor two repeats of the texture.
 static bool isInsideOneColour(int x, int z)
 {
     return isWithin(x, PATCH, 2, 13) && isWithin(z, PATCH, 2, 13) && isWithin(x, REPEAT, 2, 19) &&

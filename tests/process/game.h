@@ -30,7 +30,7 @@ struct Report
     int frames; // that were drawn
     uint64_t hash;
     long kilobytes[2];  // peak of memory early in the game and at its end
-    Vector figures[20]; // of the world, as the script chooses
+    Vector figures[12]; // of the world, which the script chooses
     int allocations;
     Allocation allocation[MOST_ALLOCATIONS];
 };
@@ -46,7 +46,7 @@ std::string playGame(const Play &script);
 // For scripts, in the child process. A condition that is false ends the child with status 1.
 void require(bool condition, const char *fault);
 std::vector<Person> crowd(); // everybody who is alive
-void requireWholeWorld();    // nobody is lost or there twice, and the score fits the crushed
+void requireWholeWorld();    // everybody is in the lists once; the score fits the number of crushed
 void rollAround();           // holds keys that roll the cube from place to place
 
 // An image whose pixels show a pattern. bytes is the size of its pixels, which need not fit the

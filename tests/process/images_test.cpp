@@ -7,8 +7,8 @@
 static const struct
 {
     const char *file;
-    std::string loading; // the line that the start prints before it loads the image
-    std::string without; // the line with which the start goes on without it; empty: the game quits
+    std::string loading; // the line before the image is loaded
+    std::string without; // the next line if the image is refused; empty: the game quits
 } IMAGES[] = {
     {"Map.tga", "Loading image...\n", ""},
     {"MapTex.tga", "Loading image...\n", ""},
@@ -19,7 +19,7 @@ static const struct
     {"TexPersonBack.tga", "Loading Person Back texture...\n", "...FAILED TO MAKE PEOPLE LIST\n"},
     {"TexTank.tga", "Loading Tank texture...\n", "...FAILED TO MAKE TANK LIST\n"},
 };
-constexpr int MAPS = 2; // the first two of them
+constexpr int MAPS = 2; // the first two images are the maps
 
 namespace
 {
@@ -44,7 +44,7 @@ TEST_F(ImageFiles, FilesThatHoldNoImageAreRefused)
     const struct
     {
         const char *command;
-        bool isOpened; // by the game, which can tell no more than that there is no header
+        bool isOpened; // the game can open the file, but finds no header in it
     } rows[] = {
         {"rm $F", false},
         {"rm $F; mkdir $F", true},

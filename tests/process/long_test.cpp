@@ -6,7 +6,7 @@
 #include <iostream>
 #include <sys/resource.h>
 
-template <typename... Values> // without padding
+template <typename... Values> // of types without padding bytes
 static void append(std::string *world, const Values &...values)
 {
     (world->append(reinterpret_cast<const char *>(&values), sizeof(values)), ...);
@@ -70,7 +70,7 @@ static void expectMemory(const char *game, long slack)
 // Two games of ten minutes' play each. The hash goes into a file, so that builds can be compared.
 TEST_F(Process, ReplayGivesTheSameWorldToTheLastBit)
 {
-    makeImages(1024); // so wide that the cube sees less than half of the crowd
+    makeImages(1024); // so wide that most people are out of range of the cube
     uint64_t hashes[2];
     for (uint64_t &hash : hashes)
     {

@@ -6,10 +6,10 @@
 #include <regex>
 #include <set>
 
-constexpr int SIDE = 50; // samples along each side of the land of the start
+constexpr int SIDE = 50; // samples along each side of the land
 
-// How the log goes on when an allocation of so many bytes fails, as a regular expression. Other
-// sizes belong to images.
+// What the game prints when an allocation of so many bytes fails, as a regular expression. All
+// other sizes are those of images.
 static const std::map<size_t, std::string> COMPLAINTS = {
     {sizeof(PeopleList), "out: Failed to allocate memory to people list\n"},
     {sizeof(TankList), "Failed to allocate memory to tank list\n"},

@@ -32,9 +32,9 @@ TEST_F(Process, NobodyIsLostWhateverTheClockShowsAndWhereverTheCubeIs)
     }
 }
 
-// A game of eight seconds, at two of its frames of 0.02 s. People and tanks are the sums of their
-// positions. After a deliberate change of the game, run the test: it fails and prints the table
-// anew, to be pasted here.
+// Figures of a game at two of its frames, which are 0.02 s long. Those of people and tanks are sums
+// of all their positions. After a deliberate change of the game, run the test: it fails and prints
+// the new rows of the table, which can be pasted here.
 static const struct
 {
     int frame;

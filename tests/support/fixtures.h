@@ -1,4 +1,5 @@
-// fixtures.h - what the tests share: comparisons, images written byte by byte, and a small world.
+// fixtures.h - what the tests share: comparisons, images that are written byte by byte, a folder to
+// work in and the globals of the game.
 #pragma once
 
 #include "camera.h"

@@ -20,7 +20,7 @@ TEST_F(World, AccumulatedForcesMoveAndTurnTheCubeForOneStep)
 {
     const float inertia = static_cast<float>(cb.inertia);
     cb.orientation = {0.70710678f, 0.70710678f, 0, 0}; // a quarter turn about x
-    cb.mass = 2 * M; // as after growth; the momentum is still divided by the mass at the start
+    cb.mass = 2 * M; // as after growth; momentum is still divided by the mass at the start
     cb.momentum = {0, 0, 0};
     applyForce(&cb, {2 * M, 3 * M, 4 * M}, vectorAdd(cb.position, {5, -10, 20}));
     EXPECT_TRUE(isNear(perMass(cb.torque), {-100, 20, 35}, 1e-3));
@@ -88,7 +88,7 @@ TEST_F(World, CubeReachesHalfItsEdgeButCrushesBodiesAWholeEdgeAboveAndBelow)
 {
     const struct
     {
-        Vector offset; // from the body to the centre of the cube; cut to whole units
+        Vector offset; // from the body to the centre of the cube; the game cuts it to whole units
         int isCovered, isCrushed;
     } rows[] = {
         {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, // cut to -50
@@ -121,9 +121,8 @@ TEST_F(World, CornersInTheGroundDentItWhereTheyFallAndArePushedWhereTheyRise)
         EXPECT_FLOAT_EQ(ter.map[103][z], -2) << "250 units/s times 0.02 times 0.4";
         EXPECT_EQ(ter.map[107][z], 0);
     }
-    // The dents have moved the ground away from all corners but 1 and 4. Corner 1 comes first and
-    // is as deep as corner 4, so it alone is pushed: by friction, and by the spring less the
-    // damping.
+    // Four corners are equally deep. The first of them, corner 1, is the deepest one that was found
+    // and alone is pushed: by friction along the ground, and upward by the spring less the damping.
     EXPECT_TRUE(isNear(perMass(cb.force), {-6 * 150, 12 * 3 - 0.1f * 50 * 3, 0}, 1e-2));
 }
 
@@ -141,8 +140,8 @@ TEST_F(World, DeepestCornerIsPushedAndTheOneThatWasDeepestBeforeIt)
     const struct
     {
         float turnX, turnZ, height; // radians about x and z; of the centre of the cube
-        Ids depths;                 // of corners 1, 4, 5 and 8, roughly, in units; negative: above
-        Ids pushed;
+        Ids depths; // rough depths of corners 1, 4, 5 and 8 in the ground; negative: above it
+        Ids pushed; // numbers of corners
     } rows[] = {
         {-0.02f, 0.06f, 45, {1, 3, 7, 9}, {8, 5}}, {-0.02f, -0.06f, 45, {7, 9, 1, 3}, {4, 1}},
         {0.02f, 0.06f, 45, {3, 1, 9, 7}, {5, 1}}, // 4 is not as deep as 1

@@ -11,7 +11,7 @@ TEST_F(World, HeldKeysAddTorqueAndTurnTheHeading)
     } rows[] = {
         {{SDLK_UP, SDLK_UNKNOWN}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // at the spin limit
         {{SDLK_LEFT, SDLK_UNKNOWN}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
-        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // too slow to roll
+        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // slow
         {{SDLK_LEFT, SDLK_RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
         {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90}, // too slow to brake
         {{SDLK_DOWN, SDLK_UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},

@@ -81,7 +81,7 @@ TEST_F(World, TankInRangeStopsFacesTheCubeAndFiresEveryTwoSeconds)
 {
     cb.position = {10, 300, 30};
     Tank tank = tankAt(0, {309, 20, -370});
-    for (const float time : {2.0f, 2.01f, 4.0f}) // only the second is more than 2 s after a shot
+    for (const float time : {2.0f, 2.01f, 4.0f}) // only 2.01 is more than 2 s after the last shot
         updateTankAI(&tank, &cb, shotLst, time);
     ASSERT_EQ(idsFrom(shotLst->head), Ids({0}));
     EXPECT_EQ(tank.targetSpeed, 0);

@@ -39,8 +39,8 @@ TEST_F(World, SmoothingHalvesASpikeWithEachSampleOfDistance)
     const struct
     {
         int x, z;
-        // Of the spike's height, what remains at the spike: along each axis 2/3 at the first
-        // sample, 1/2 at the last and 1/3 elsewhere.
+        // The share of the height that remains at the spike. Along each axis it is 2/3 at the first
+        // sample, 1/2 at the last one and 1/3 elsewhere.
         float share;
     } rows[] = {
         {105, 95, 1 / 3.0f * 1 / 3},
@@ -142,7 +142,7 @@ TEST_F(World, DentsAndCratersChangeHeightsColoursAndNormalsInTheirSquares)
     EXPECT_NE(ter.normals[209][95].y, 9) << "the edge has not taken the normals of its neighbours";
 }
 
-// The blocks that are marked for compiling, as 10 bx + bz. It removes the marks.
+// Returns the blocks that are marked for compiling, as 10 bx + bz, and removes the marks.
 static Ids takeMarks()
 {
     Ids blocks;

@@ -114,7 +114,12 @@ inline Rgb seen(const Picture &picture, Vector world)
     return picture.at(int(at.y) * WIDTH + int(at.x));
 }
 
-inline bool isAlike(Rgb a, Rgb b) // no channel differs by more than 8 of 255
+inline int largestDifference(Rgb a, Rgb b) // of a channel
 {
-    return abs(a[0] - b[0]) <= 8 && abs(a[1] - b[1]) <= 8 && abs(a[2] - b[2]) <= 8;
+    return std::max({abs(a[0] - b[0]), abs(a[1] - b[1]), abs(a[2] - b[2])});
+}
+
+inline bool isAlike(Rgb a, Rgb b)
+{
+    return largestDifference(a, b) <= 8;
 }

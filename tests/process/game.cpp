@@ -4,7 +4,6 @@
 #include "main.h"
 
 #include <cstdio>
-#include <regex>
 #include <set>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -149,12 +148,19 @@ static std::string transcript(const char *name)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+static void replaceAll(std::string *text, const std::string &from, const std::string &to)
+{
+    for (size_t at = text->find(from); at != text->npos; at = text->find(from, at + to.size()))
+        text->replace(at, from.size(), to);
+}
+
 // The land is released only once its construction has begun.
 static std::string quitAfter(const std::string &start)
 {
-    const std::string quit = transcript("/quit.txt") + "SDL_Quit\n";
-    const bool hasLand = start.find("Loading image") != start.npos;
-    return hasLand ? quit : std::regex_replace(quit, std::regex("\nFreeing(.*\n){3}"), "\n");
+    std::string quit = transcript("/quit.txt") + "SDL_Quit\n";
+    if (start.find("Loading image") == start.npos)
+        replaceAll(&quit, "Freeing Terrain...\n   ...freed array entries\n   ...done\n", "");
+    return quit;
 }
 
 std::string playGame(const Play &script)
@@ -246,11 +252,9 @@ std::string Process::startLog(bool hasPictureBoards) const
                               "Loading Person Back texture...\n   ...done\n"
                               "Initialising back texture...\n   ...done\n";
     std::string log = transcript("/start.txt");
-    const auto fill = [&log](const char *blank, const std::string &value)
-    { log = std::regex_replace(log, std::regex(blank), value); };
-    fill("SIDE", std::to_string(side));
-    fill("BLOCKS", std::to_string(side / 25));
-    fill("STEP", std::to_string(side * 25 / 250));
+    replaceAll(&log, "SIDE", std::to_string(side));
+    replaceAll(&log, "BLOCKS", std::to_string(side / 25));
+    replaceAll(&log, "STEP", std::to_string(side * 25 / 250));
     if (hasPictureBoards)
         log.insert(log.find("\nInitialising people"), BOARDS);
     return log;

@@ -121,10 +121,9 @@ static std::vector<Range> linkPeaks(const Plan &plan, const std::vector<Peak> &p
     for (const Peak &peak : peaks)
     {
         std::vector<Peak> others(peaks);
-        std::stable_sort(
-            others.begin(), others.end(),
-            [&](const Peak &a, const Peak &b)
-            { return length(a.x - peak.x, a.z - peak.z) < length(b.x - peak.x, b.z - peak.z); });
+        const auto isNearer = [&](const Peak &a, const Peak &b)
+        { return length(a.x - peak.x, a.z - peak.z) < length(b.x - peak.x, b.z - peak.z); };
+        std::stable_sort(others.begin(), others.end(), isNearer);
         const Range spur = spurOf(plan, peak);
         if (staysOpen(plan, spur))
             ranges.push_back(spur);

@@ -97,9 +97,9 @@ static std::vector<Site> findSites(const Plan &plan, const std::vector<Field> &c
 
 static int isApart(const std::vector<Place> &villages, const Place &place, float gap)
 {
-    return std::all_of(villages.begin(), villages.end(),
-                       [&](const Place &other)
-                       { return length(other.x - place.x, other.z - place.z) > gap; });
+    const auto isFar = [&](const Place &other)
+    { return length(other.x - place.x, other.z - place.z) > gap; };
+    return std::all_of(villages.begin(), villages.end(), isFar);
 }
 
 // Evens out the ground under the houses, but not the banks of a river.
@@ -276,9 +276,9 @@ static std::vector<Link> spanningTree(const Costs &costs)
         best.push_back({0, i});
     while (!best.empty())
     {
-        const auto next = std::min_element(best.begin(), best.end(),
-                                           [&](const Link &a, const Link &b)
-                                           { return costs[a.from][a.to] < costs[b.from][b.to]; });
+        const auto isCheaper = [&](const Link &a, const Link &b)
+        { return costs[a.from][a.to] < costs[b.from][b.to]; };
+        const auto next = std::min_element(best.begin(), best.end(), isCheaper);
         const Link link = *next;
         tree.push_back(link);
         best.erase(next);

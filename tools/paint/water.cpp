@@ -106,9 +106,9 @@ static std::vector<Hollow> findHollows(const Drainage &drainage, const Field &he
 
 static int bottomOf(const Hollow &hollow, const Field &height)
 {
-    return *std::min_element(hollow.begin(), hollow.end(),
-                             [&](int a, int b)
-                             { return height.cells[size_t(a)] < height.cells[size_t(b)]; });
+    const auto isLower = [&](int a, int b)
+    { return height.cells[size_t(a)] < height.cells[size_t(b)]; };
+    return *std::min_element(hollow.begin(), hollow.end(), isLower);
 }
 
 // The line of a cut that drains a hollow down to so many units above its bottom.

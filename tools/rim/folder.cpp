@@ -53,11 +53,14 @@ static FILE *complaints = stderr;
 void startTool(const char *name)
 {
     toolName = name;
-    FILE *kept = fdopen(dup(STDERR_FILENO), "w");
-    if (!kept || !freopen("/dev/null", "w", stderr))
+    const int copy = dup(STDERR_FILENO);
+    FILE *kept = copy < 0 ? nullptr : fdopen(copy, "w");
+    if (!kept)
         return;
     complaints = kept;
     setlinebuf(complaints);
+    if (!freopen("/dev/null", "w", stderr))
+        complain("/dev/null", strerror(errno));
 }
 
 void complain(const char *about, const char *fault)

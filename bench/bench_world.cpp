@@ -30,14 +30,15 @@
 
 constexpr uint32_t STEP = 16;        // milliseconds
 constexpr int START_DISTANCE = 5000; // draw distance at which a part of the horde is in range
-constexpr int WHOLE_LAND = 40000;    // draw distance at which all of the land is, without fog
-constexpr float FOLLOW = 300;        // units of the eye above the ground
+constexpr int WHOLE_LAND = 40000;    // draw distance at which all of the land is in range
+constexpr float FOLLOW = 300;        // height of the eye above the ground
 constexpr float NEIGHBOURHOOD = 500; // units within which people or tanks are counted
 constexpr int SEARCH_STEP = 4;       // samples between the places that are tried
-constexpr int SEARCH_MARGIN = 100; // samples from the edges, near which people and tanks turn back
-constexpr float ON_GROUND = 50;    // units of the cube's centre above the ground: half its edge
-constexpr float HIGH_UP = 1500;    // units of the cube's centre above the ground
-// Google Benchmark would repeat a part until its time adds up, and some parts take almost none.
+constexpr int SEARCH_MARGIN = 100;   // samples along the edges, where few people go
+constexpr float ON_GROUND = 50;      // height of the cube's centre above the ground: half an edge
+constexpr float HIGH_UP = 1500;      // height of the cube's centre above the ground
+// Frames in which a part is measured. Without this number, Google Benchmark would repeat a part
+// that takes almost no time very often.
 constexpr int PART_FRAMES = 40;
 
 static uint32_t ticks = 0;
@@ -59,7 +60,7 @@ static int openDisplay()
 
 // ---- places -------------------------------------------------------------------------------------
 
-typedef double (*Score)(float x, float z); // of a place; the place with the highest is taken
+typedef double (*Score)(float x, float z); // rates a place; a scene uses the place rated highest
 
 // In the middle of the land most people are in range.
 static double centrality(float x, float z)
@@ -140,7 +141,7 @@ static Vector bestPlace(const Scene &scene)
     return best;
 }
 
-// Puts a resting cube at the place, and the eye where the camera would come to rest.
+// Puts a resting cube at the place of the scene, and the eye where it would come to rest.
 static void arrange(const Scene &scene)
 {
     static std::map<const Scene *, Vector> found;
@@ -299,12 +300,12 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     if (argc > 1 && chdir(argv[1]) != 0)
         return EXIT_FAILURE;
-    if (!freopen("/dev/null", "w", stderr) || !openDisplay()) // start-up reports there
+    if (!freopen("/dev/null", "w", stderr) || !openDisplay()) // hides what start-up prints
         return EXIT_FAILURE;
     setupOpengl(DISPLAY_WIDTH, DISPLAY_HEIGHT);
     if (!makeWorld())
     {
-        puts("No world: the folder of the images is missing");
+        puts("Cannot make the world. Is the argument the folder of the images?");
         return EXIT_FAILURE;
     }
     initAnimation();

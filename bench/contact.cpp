@@ -16,13 +16,13 @@
 #include <unistd.h>
 
 constexpr int SHORTEST = 10, LONGEST = 70, APART = 5; // milliseconds of equal steps
-constexpr int USUAL = 33;                             // milliseconds around a longer step
+constexpr int USUAL = 33;                             // milliseconds of all other steps
 constexpr int STALLS[] = {125, 250, 500, 1000};       // milliseconds of a longer step
 constexpr float STALL_TIMES[] = {10, 25, 40};         // seconds from the start of a run
 constexpr int DIRECTIONS = 16;
 constexpr float SECONDS = 60;
-constexpr float THROWN =
-    1000; // units above the ground, which no hill and no tank makes the cube reach
+// Height above the ground, in units. Neither hills nor crushed tanks lift the cube that high.
+constexpr float THROWN = 1000;
 
 namespace
 {
@@ -35,7 +35,8 @@ struct Stall // one longer step
 
 static uint8_t held[SDLK_LAST];
 
-// Makes the land anew, without dents, and lays the cube on its middle. 0: there is no land.
+// Makes new land without dents and lays the cube on the middle of the land. Returns 1, or 0 if the
+// land cannot be made.
 static int begin(float heading)
 {
     if (!initTerrain(&ter))
@@ -71,7 +72,7 @@ static bool isThrown(int milliseconds, Stall stall)
     return false;
 }
 
-// The runs, one in each direction, in which the cube is thrown.
+// Runs the cube once in each direction. Returns the number of runs in which the cube is thrown.
 static int countThrown(int milliseconds, Stall stall)
 {
     int thrown = 0;
@@ -79,7 +80,7 @@ static int countThrown(int milliseconds, Stall stall)
     {
         if (!begin(i * 360.0f / DIRECTIONS))
         {
-            puts("No land: the folder of the images is missing");
+            puts("Cannot make the land. Is the argument the folder of the images?");
             exit(EXIT_FAILURE);
         }
         thrown += isThrown(milliseconds, stall);
@@ -92,7 +93,7 @@ int main(int argc, char **argv)
 {
     if (argc > 1 && chdir(argv[1]) != 0)
         return EXIT_FAILURE;
-    if (!freopen("/dev/null", "w", stderr)) // start-up reports there
+    if (!freopen("/dev/null", "w", stderr)) // hides what start-up prints
         return EXIT_FAILURE;
     keys = held;
     held[SDLK_UP] = 1;

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-constexpr float CLOSEST_FOLLOW = 300.0f;    // to cubes of size 100 and less
-constexpr float GAME_OVER_FOLLOW = 1000.0f; // far enough to circle what is left of the cube
+constexpr float CLOSEST_FOLLOW = 300.0f;    // distance to a cube of size 100 or less
+constexpr float GAME_OVER_FOLLOW = 1000.0f; // distance at which the eye circles the cube
 
 void initCamera(Camera *camera)
 {

@@ -9,12 +9,12 @@
 #include <cmath>
 
 constexpr double GRAVITY = 200.0;         // units/s^2, along -y
-constexpr double GROWTH_GAIN = 30.0;      // 1/s^2: how eagerly size follows targetSize
+constexpr double GROWTH_GAIN = 30.0;      // 1/s^2; gain with which size eases toward targetSize
 constexpr double MASS_GAIN = 5.0;         // mass gained with each unit of size
-constexpr float TRAVEL_SPEED = 150.0f;    // units/s along x or z; from it on velocity sets heading
+constexpr float TRAVEL_SPEED = 150.0f;    // units/s along x or z; if faster, velocity sets heading
 constexpr double FAR_BELOW = 10000000.0;  // units; length of the shadow prisms
 constexpr float SHADOW_BOX_HALF = 100.0f; // units; the box lies between the near and the far plane
-constexpr float SHADOW_DARKNESS = 0.3f;   // share of the light that the shadow takes
+constexpr float SHADOW_DARKNESS = 0.3f;   // fraction of the light that the shadow removes
 
 void initCube(Cube *cube)
 {
@@ -72,7 +72,7 @@ Vector getCornerVelocity(const Cube *cube, int corner)
     return vectorAdd(cube->velocity, vectorCrossProduct(cube->angularVelocity, arm));
 }
 
-// The offset is cut to whole units first.
+// The offset is truncated to whole units first.
 static bool isWithin(double offset, double limit)
 {
     return std::fabs(std::trunc(offset)) < limit;
@@ -254,9 +254,9 @@ void drawCube(const Cube *cube)
     glBindTexture(GL_TEXTURE_2D, 0);
 }
 
-// Corners in counter-clockwise order seen from inside the cube. The prism of a face that faces down
-// then has outward polygons and marks what is inside of it. The prism of a face that faces up is
-// inside out and marks nothing.
+// Corners in counter-clockwise order as seen from inside the cube. All polygons of the prism below
+// a downward face then face outward, and the stencil count of what lies inside the prism ends at 1.
+// The prism below an upward face is inside out, so that all its counts end at 0.
 constexpr int SHADOW_FACES[6][4] = {{1, 2, 3, 4}, {2, 6, 7, 3}, {3, 7, 8, 4},
                                     {4, 8, 5, 1}, {5, 6, 2, 1}, {6, 5, 8, 7}};
 
@@ -311,8 +311,10 @@ void drawShadowBox(float x, float y, float z)
     glEnable(GL_DEPTH_TEST);
 }
 
-// Counts in the stencil buffer those polygons of a prism behind the scene that are not culled.
-static void countBehindScene(const Cube *cube, const int face[4], GLenum culled, GLenum depthFail)
+// Draws the polygons of a prism that are not culled. Where a polygon lies behind what has been
+// drawn before, depthFail changes the stencil count.
+static void countHiddenPolygons(const Cube *cube, const int face[4], GLenum culled,
+                                GLenum depthFail)
 {
     glCullFace(culled);
     glStencilFunc(GL_ALWAYS, 0, 0xFF);
@@ -328,14 +330,15 @@ static void castFaceShadow(const Cube *cube, const int face[4], Vector eye)
     glEnable(GL_STENCIL_TEST);
     glEnable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(0, 100);
-    countBehindScene(cube, face, GL_FRONT, GL_INCR);
-    countBehindScene(cube, face, GL_BACK, GL_DECR);
+    countHiddenPolygons(cube, face, GL_FRONT, GL_INCR);
+    countHiddenPolygons(cube, face, GL_BACK, GL_DECR);
     glDisable(GL_POLYGON_OFFSET_FILL);
     glPolygonOffset(0, 0);
     glDisable(GL_CULL_FACE);
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glDepthMask(GL_TRUE);
-    // The first box polygon over a pixel with a count darkens it and sets the count back to 0.
+    // Several polygons of the box may cover a pixel. The first one darkens the pixel and sets its
+    // count to 0, so that the others do not darken it again.
     glStencilFunc(GL_NOTEQUAL, 0, 0xFF);
     glStencilOp(GL_REPLACE, GL_REPLACE, GL_REPLACE);
     drawShadowBox(eye.x, eye.y, eye.z);

@@ -13,14 +13,14 @@ struct Cube
     int32_t score;     // points
     float size;        // edge length
     float targetSize;  // what size eases toward
-    float growthRate;  // units per second that the last step added to size
-    float spinLimit;   // radians per second from which on the keys add no torque
+    float growthRate;  // rate of change of size in the last step, units per second
+    float spinLimit;   // radians per second; at this spin and above, the keys add no torque
     float heading;     // direction of travel as findDirection measures it; not wrapped
     TgaImage *image;   // picture on each face; owned
     uint32_t texture;  // OpenGL name of the picture
     float mass;        // grows with size
     float inverseMass; // 1 / the mass at the start; does not change with mass
-    double inertia;    // mass size^2 / 6, the same about every axis
+    double inertia;    // mass * size^2 / 6, the same about every axis
     double inverseInertia;
     Vector position;        // centre
     Quaternion orientation; // body to world
@@ -33,27 +33,28 @@ struct Cube
     Vector torque;          // accumulated since the last step
 };
 
-constexpr float SMALLEST_SIZE = 50.0f; // below it the game is over
-constexpr float LARGEST_SIZE = 250.0f; // targetSize is cut to it
-constexpr int CUBE_CORNERS = 8;        // numbered 1 to 8; k and k + 4 face each other across x
+constexpr float SMALLEST_SIZE = 50.0f; // below this size the game is over
+constexpr float LARGEST_SIZE = 250.0f; // a greater targetSize is reduced to this
+constexpr int CUBE_CORNERS = 8;        // numbered 1 to 8; k and k + 4 differ only in x
 
 // Life cycle. initCube loads TexCube.tga from the working directory, reporting on standard error;
 // without the picture the cube is drawn untextured. Without an OpenGL context texture is not set.
 void initCube(Cube *cube);
 void destroyCube(Cube *cube);
-void setInertia(Cube *cube); // inertia and inverseInertia, of the current mass and size
+void setInertia(Cube *cube); // computes inertia and inverseInertia from mass and size
 
 // Queries. For a corner number outside 1 to 8 they return the place or the velocity of the centre.
 Vector getCornerNoRotation(const Cube *cube, int corner); // in the body frame
 Vector getCorner(const Cube *cube, int corner);           // in the world
 Vector getCornerVelocity(const Cube *cube, int corner);   // in the world, of the last step
 // Whether position lies less than half an edge from the centre along x and z and less than reach
-// along y. The offsets are cut to whole units first.
+// along y. The offsets are truncated to whole units first.
 bool cubeCovers(const Cube *cube, Vector position, double reach);
 // Whether the cube crushes a person or a tank at position: cubeCovers with a reach of a whole edge.
 bool cubeCrushes(const Cube *cube, Vector position);
 
-Vector getShadowEnd(const Cube *cube, int corner); // lower end of the shadow prism's edge there
+// The lower end of the edge that a shadow prism has below the corner.
+Vector getShadowEnd(const Cube *cube, int corner);
 
 // Changes
 // Steps the body by dt seconds (semi-implicit Euler): gravity, growth, then the forces and torques
@@ -69,5 +70,6 @@ void drawCube(const Cube *cube); // in the body frame, which the caller has set 
 // Darkens what lies below the cube, with depth-fail stencil shadow volumes; (x, y, z) is the eye.
 // The stencil buffer must be zero and is zero afterwards. Face culling is disabled afterwards.
 void renderCubeShadow(const Cube *cube, float x, float y, float z);
-void renderShadowVolume(const Cube *cube, int a, int b, int c, int d); // the prism below one face
+// Emits the prism that reaches down from the face with these corners.
+void renderShadowVolume(const Cube *cube, int a, int b, int c, int d);
 void drawShadowBox(float x, float y, float z); // a translucent black box around a point

@@ -1,4 +1,4 @@
-// The process entry: on Linux, SDL 1.2 has no main of its own that calls SDL_main.
+// The entry of the process. On Linux, SDL 1.2 has no main function that calls SDL_main.
 #include "main.h"
 
 int main(int argc, char **argv)

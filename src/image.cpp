@@ -36,7 +36,7 @@ static int32_t pixelBytes(const TgaImage *image)
     return static_cast<int32_t>(bytes);
 }
 
-// Bytes between the stream's position and its end, or -1 when that cannot be told.
+// Bytes between the stream's position and its end, or -1 when they cannot be determined.
 static long bytesLeft(FILE *stream)
 {
     const long here = ftell(stream);
@@ -46,7 +46,7 @@ static long bytesLeft(FILE *stream)
     return fseek(stream, here, SEEK_SET) == 0 ? end - here : -1;
 }
 
-// Neither is opened: a pipe would wait for its writer, and a device has no end.
+// tgaLoad opens neither: opening a pipe waits for a writer, and reading a device may never end.
 static bool isPipeOrDevice(const char *path)
 {
     struct stat info;
@@ -66,7 +66,8 @@ static int32_t loadPixels(FILE *stream, TgaImage *image)
     const int32_t bytes = pixelBytes(image);
     if (bytes < 0)
         return TGA_ERROR_MEMORY;
-    if (bytesLeft(stream) < bytes) // before the buffer is allocated: a header alone costs nothing
+    // Without this check, a header without pixels could make us allocate two gigabytes.
+    if (bytesLeft(stream) < bytes)
         return TGA_ERROR_READ;
     image->imageData = static_cast<uint8_t *>(malloc(bytes > 0 ? bytes : 1));
     if (!image->imageData)

@@ -23,7 +23,7 @@ constexpr int32_t TGA_ERROR_COLOUR_MAP = -3; // colour-mapped
 constexpr int32_t TGA_ERROR_READ = -4;       // read error, or fewer bytes than the header announces
 constexpr int32_t TGA_ERROR_OPEN = -5;       // no such file, or it cannot be created
 
-extern int savedImages; // the number that the next numbered file carries; only grows
+extern int savedImages; // the number of the next numbered file; never decreases
 
 // Queries
 int tgaBytesPerPixel(const TgaImage *image);
@@ -31,17 +31,17 @@ int tgaBytesPerPixel(const TgaImage *image);
 // of RGB pixels needs. Accepts null.
 bool tgaIsRGB(const TgaImage *image);
 
-// Loading. tgaLoad returns a record, whose status tells the outcome and which tgaDestroy releases,
-// or null if the record itself cannot be allocated.
+// Loading. tgaLoad returns a record, or null if the record itself cannot be allocated. The status
+// of the record tells whether loading succeeded. The caller releases the record with tgaDestroy.
 TgaImage *tgaLoad(const char *path);
-void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; fields past the end are 0
+void tgaLoadHeader(FILE *stream, TgaImage *image);    // 18 bytes; fields missing in the file are 0
 void tgaLoadImageData(FILE *stream, TgaImage *image); // fills imageData, which must be allocated
 void tgaDestroy(TgaImage *image);                     // accepts null
 
-// Conversions in place, after which pixelDepth is 8 or 32. An image without pixels or with fewer
-// than three bytes for each is not changed; nor is any image if there is no memory.
+// Conversions in place, to a pixelDepth of 8 or 32. An image stays as it is if it has no pixels, if
+// it has fewer than three bytes for each pixel, or if there is not enough memory.
 void tgaRGBtoGreyscale(TgaImage *image);  // 0.3 r + 0.59 g + 0.11 b, truncated
-void tgaRGBTransparency(TgaImage *image); // pure magenta turns transparent black, the rest opaque
+void tgaRGBTransparency(TgaImage *image); // of 24 bits: magenta becomes transparent black
 
 // Saving. depth is in bits per pixel; pixels is a malloc buffer. Returns 1 after freeing pixels, or
 // TGA_ERROR_OPEN, after which the caller still owns pixels.
@@ -50,8 +50,8 @@ int tgaSave(const char *path, int16_t width, int16_t height, uint8_t depth, uint
 // does not use up a number.
 int tgaSaveSeries(const char *prefix, int16_t width, int16_t height, uint8_t depth,
                   uint8_t *pixels);
-// Saves the rectangle from (x0, y0) up to (x1, y1) of the read buffer, origin at the bottom left,
-// as a 32-bit image; call it between the last drawing command and the swap. Returns what
+// Saves a rectangle of the read buffer as a 32-bit image: columns x0 to x1 - 1, rows y0 to y1 - 1,
+// from the bottom left. Call it between the last drawing command and the swap. Returns what
 // tgaSaveSeries does, or TGA_ERROR_MEMORY for a rectangle that is empty, too large for a TGA file
 // or for memory. Without an OpenGL context all pixels are 0.
 int tgaGrabScreenSeries(const char *prefix, int x0, int y0, int x1, int y1);

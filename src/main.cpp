@@ -48,16 +48,17 @@ TgaImage *skyBoxImage = nullptr;
 
 constexpr double FIELD_OF_VIEW = 60.0; // degrees, vertical
 constexpr double NEAR_PLANE = 1.0;
-constexpr double FOG_DEPTH = 1000.0; // from where the fog starts to where it hides everything
+constexpr double FOG_DEPTH = 1000.0; // units from the start of the fog to its end
 constexpr double FAST_FRAME = 0.028; // seconds; below it the draw distance grows
 constexpr double SLOW_FRAME = 0.04;  // seconds; above it the draw distance shrinks
 constexpr int DISTANCE_STEP = 5;
 constexpr int FULL_DISTANCE = 5000;
-// In play the eye is at most some 700 units from the cube and its texts. With the far plane at half
-// of this distance, the fog does not yet hide them and the ground around them.
+// In play the eye is at most some 700 units from the cube and its texts. At this draw distance the
+// far plane is 1500 units away, and the fog does not yet hide the cube and the ground around it.
 constexpr int SHORTEST_DISTANCE = 3000;
-// After game over the eye is 1000 units from the cube along the ground and 1000 above the ground,
-// which may be 600 higher there: with a shorter distance, the fog would hide the text.
+// After game over the eye is 1000 units from the cube along the ground and 1000 units above the
+// ground. The ground below the eye may be 600 units higher than the cube. With a shorter draw
+// distance, the fog would hide the text.
 constexpr int SHORTEST_AFTER_GAME_OVER = 4500;
 constexpr float SHADOW_BUDGET = 2.0f; // seconds below the full draw distance until the shadow ends
 constexpr double GAME_OVER_SPIN = 20.0; // degrees per second
@@ -93,7 +94,7 @@ static void releaseWorld()
     if (shotLst)
         destroyShotList(shotLst);
     fputs("   ...Freeing Terrain...\n", stderr);
-    if (ter.scale > 0) // the first thing that its construction sets
+    if (ter.scale > 0) // initTerrain sets scale first, so that 0 means that it was not called
         deleteTerrain(&ter);
     destroyCube(&cb);
     tgaDestroy(skyBoxImage);
@@ -108,8 +109,9 @@ void quit()
     exit(0);
 }
 
-// When the connection to the display is lost, also while SDL closes it, Xlib ends the process with
-// status 1. This handler releases the world first and ends with status 0; it does not call SDL.
+// When the connection to the display is lost, Xlib ends the process with status 1. That can happen
+// at any time until SDL_Quit returns. This handler first releases the world, unless that has been
+// done, and then ends the process with status 0. It does not call SDL.
 static void leaveLostDisplay()
 {
     if (displayClosed)
@@ -237,7 +239,7 @@ void setupOpengl(int width, int height)
         glEnable(capability);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     glClearColor(0, 0, 0, 1);
-    glClear(GL_STENCIL_BUFFER_BIT); // undefined at first; every shadow leaves zeros
+    glClear(GL_STENCIL_BUFFER_BIT); // undefined at first; every shadow resets it to 0
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -263,7 +265,7 @@ void processEvents()
 
 // ---- controls -----------------------------------------------------------------------------------
 
-// The share of the keys' torque at a spin rate: 1 at rest, 0 from the spin limit on.
+// The factor for the torque of the keys at a spin rate: 1 at rest, 0 at the spin limit and above.
 static float spinFactor(float rate)
 {
     const double limit = cb.spinLimit, spin = mod(rate);
@@ -292,7 +294,7 @@ static bool isMoving()
     return mod(cb.velocity.x) > MOVING_SPEED || mod(cb.velocity.z) > MOVING_SPEED;
 }
 
-// Rolls a moving cube sideways or turns the heading of a standing cube; turn is in degrees.
+// Rolls a moving cube sideways, or turns the heading of a slow cube by turn degrees.
 static void steer(float axis, float factorX, float factorZ, double turn)
 {
     if (isMoving())
@@ -364,8 +366,8 @@ static void pushOut(const Contact &contact)
                     -contact.clearance);
 }
 
-// At most two corners are pushed out: the deepest one, and the one that was the deepest of the
-// corners before it. If the first corner is the deepest, it is the only one.
+// At most two corners are pushed out: the deepest corner, and the deepest of the corners that have
+// a lower number. If corner 1 is the deepest, only corner 1 is pushed out.
 void collideCubeTerrain()
 {
     Contact deepest = {0, {0, 0, 0}, 0}, before = deepest;
@@ -403,8 +405,8 @@ static void beginFrame()
     glLoadIdentity();
 }
 
-// The height that the eye eases toward in the next step.
-static void raiseCameraGoal()
+// Sets the height that the eye eases toward in the next step.
+static void setCameraHeightGoal()
 {
     cam.target.y = getHeightAt(&ter, cam.position.x, cam.position.z) + cam.followDistance;
 }
@@ -442,8 +444,9 @@ static void spendShadowBudget()
         SHADOW = 0;
 }
 
-// Boxes drawn as lines reset only the counts under their lines. Later boxes must be able to reach
-// the other counts, so that they are not limited to a part of the screen.
+// In wire-frame mode the box that darkens the shadow is drawn as lines and resets only the stencil
+// counts under these lines. The boxes of later frames must reset the other counts, wherever they
+// are on the screen. Drawing is therefore not limited to a rectangle in this mode.
 void drawShadow()
 {
     Vector ends[2 * CUBE_CORNERS];
@@ -472,7 +475,8 @@ void placeAndDrawCube()
     glPopMatrix();
 }
 
-// The camera follows behind the heading, so that it circles the cube as the heading turns.
+// The eye stays behind the cube, seen along the heading. When the heading turns, the eye circles
+// the cube.
 static void showGameOver()
 {
     displayGameOver();
@@ -484,7 +488,7 @@ void drawScreen()
     beginFrame();
     glDisable(GL_ALPHA_TEST);
     animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst);
-    raiseCameraGoal();
+    setCameraHeightGoal();
     const Eye eye = eyeOnCube();
     setView(&eye);
     glPushMatrix();

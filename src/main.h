@@ -1,5 +1,5 @@
-// main.h - the game shell: the world's globals, start-up, the main loop, controls, the frame, the
-// sky, the text and quitting. World units, seconds, degrees.
+// main.h - the world's globals, start-up, the main loop, controls, the contact of the cube with the
+// ground, the frame, the sky, the text and quitting. World units, seconds, degrees.
 #pragma once
 
 #include <cstdint>
@@ -26,13 +26,13 @@ extern PeopleList *peopleLst;
 extern TankList *tankLst;
 extern ShotList *shotLst;
 
-extern uint8_t *keys;     // SDL's key states by key code, 1 while held; SDL owns them
-extern int VIEW_DISTANCE; // world units; the far plane and the end of the fog are at half of it
-extern int SHADOW;        // 1 while the cube's shadow is drawn; set to 0 for good on slow machines
-extern int TERRAIN_DEFORMING;  // 1 while the cube presses dents into the ground
-extern int WIRE_FRAME;         // 1: every polygon is drawn as lines
-extern int TRANSPARENCY;       // 1: people are picture boards; makeList reads it
-extern int gameOver;           // 1 once the cube has shrunk below its smallest size
+extern uint8_t *keys;         // SDL's key states by key code, 1 while held; SDL owns them
+extern int VIEW_DISTANCE;     // world units; the far plane and the end of the fog are at half of it
+extern int SHADOW;            // 1: the shadow is drawn; on a slow machine set to 0 until the end
+extern int TERRAIN_DEFORMING; // 1 while the cube presses dents into the ground
+extern int WIRE_FRAME;        // 1: every polygon is drawn as lines
+extern int TRANSPARENCY;      // 1: people are drawn as pictures; makeList reads this
+extern int gameOver;          // 1 once the cube has shrunk below its smallest size
 extern float shadowSwitchTime; // seconds spent below the full draw distance
 extern float ratio;            // width / height of the display
 extern float timeH;            // length of the last world step
@@ -47,8 +47,9 @@ extern "C" int SDL_main(int argc, char **argv);
 // 1, or 0 after reporting what failed; quit then releases what was made. Without an OpenGL context
 // the world can be stepped, but not drawn.
 int makeWorld();
-// Sets the OpenGL state of the whole run, clears the stencil buffer, which no frame does, and loads
-// the sky's texture. Call once. Without an OpenGL context it sets ratio and loads the image.
+// Sets the OpenGL state that stays for the whole run and loads the sky's texture. Also clears the
+// stencil buffer, since frames do not clear it. Call once. Without an OpenGL context this only sets
+// ratio and skyBoxSize and loads the image.
 void setupOpengl(int width, int height);
 void processEvents();     // applies the held keys, drains the event queue; may quit
 [[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
@@ -61,7 +62,7 @@ void lookFrom(const Eye *eye); // multiplies the current matrix by the eye's glu
 void collideCubeTerrain();     // dents the ground under cb and pushes cb out of it
 void initSkyBoxTexture();      // from TexSkyBox.tga; without it the sky is untextured
 void drawSkyBox();             // around the eye, behind everything
-void drawShadow();             // of cb, limited to the part of the screen where it can be
+void drawShadow();             // of cb, only in the part of the screen where it can be seen
 void placeAndDrawCube();       // at the position and in the orientation of cb
 void displayScore();           // this and the next two: above cb, in the current colour
 void displaySize();

@@ -21,7 +21,8 @@ constexpr float GROWTH_PER_PERSON = 1.0f;
 constexpr int SCORE_PER_PERSON = 10;
 constexpr float FEET_ABOVE_GROUND = 1.0f;
 
-// The pictures of the picture boards. Every person points to them; this module owns them.
+// The two sides of the picture board as which a person is drawn when TRANSPARENCY is 1. All people
+// share these images; this module owns them.
 static TgaImage *frontPicture = nullptr;
 static TgaImage *backPicture = nullptr;
 
@@ -144,7 +145,7 @@ static int loadPicture(const char *file, const char *loading, const char *initia
     *image = tgaLoad(file);
     if (tgaIsRGB(*image))
         tgaRGBTransparency(*image);
-    if (!tgaIsRGB(*image) || (*image)->pixelDepth != 32) // not 32: no memory for that
+    if (!tgaIsRGB(*image) || (*image)->pixelDepth != 32) // not 32: no memory to convert it
     {
         fputs("   ...couldn't load TGA\n", stderr);
         return 0;
@@ -280,7 +281,7 @@ void updateAI(Person *person, const Cube *cube, int width, int resolution)
     think(person, cube, livingSpace(width * resolution));
 }
 
-// The z rule comes last, so that it decides in a corner.
+// The rule for z comes last, so that in a corner of the land it overrides the rule for x.
 static void turnBackAtEdge(Person *person, Span space)
 {
     Vector *velocity = &person->velocity;
@@ -367,14 +368,15 @@ int checkPersonCollision(Person person, Cube *cube)
 
 namespace
 {
-// The changes that a step found. They are applied at its end: chains must not change on a walk.
+// Changes that are applied at the end of a step, since a chain must not change while the step walks
+// through it.
 struct PendingChanges
 {
     PersonNode **removals;
     PersonNode **additions;
 };
 
-// What is the same for everybody in one step of the horde.
+// The values that are the same for all people in one step.
 struct HordeStep
 {
     PeopleList *list;
@@ -387,7 +389,8 @@ struct HordeStep
 };
 } // namespace
 
-// A crushed person leaves a stain and is removed; without memory neither is done.
+// Stains the ground under a crushed person and removes the person at the end of the step. Does
+// neither if there is no memory.
 static void pendCrushed(PendingChanges *pending, Terrain *terrain, Person person, int row,
                         int column)
 {
@@ -398,8 +401,9 @@ static void pendCrushed(PendingChanges *pending, Terrain *terrain, Person person
     push(pending->removals, removal);
 }
 
-// A move needs two entries: with one alone the person would be lost or be in two buckets. Without
-// memory for both the person stays in the old bucket until a later step.
+// A move needs a removal and an addition: with only one of them, the person would be lost or be in
+// two buckets. If there is no memory for both, the person stays in the old bucket until a later
+// step.
 static void pendMove(PendingChanges *pending, Person person, int row, int column)
 {
     PersonNode *removal = makeNode(person, row, column);
@@ -544,7 +548,8 @@ static bool isInView(const Person &person)
     return sphereInView({feet.x, feet.y + FIGURE_MIDDLE, feet.z}, FIGURE_RADIUS);
 }
 
-// The x of the people in a row. The first and the last row also contain those outside the grid.
+// The span of x of the people in a row. The first and the last row also contain the people outside
+// the grid.
 static Span rowSpan(const PeopleList *list, int row)
 {
     const auto edge = [list](int r)

@@ -17,7 +17,7 @@ struct Person
     int id;                // identity, from 0 in order of creation
     Vector position;       // y is the height of the ground
     Vector velocity;       // in the ground plane; y stays 0
-    float direction;       // yaw of the drawing about +y
+    float direction;       // yaw about +y at which the person is drawn
     TgaImage *frontImage;  // the pictures are shared by all people, and set only in the mode
     uint32_t frontTexture; // that draws picture boards
     TgaImage *backImage;
@@ -27,7 +27,7 @@ struct Person
 struct PersonNode
 {
     Person person;
-    int row; // bucket that a pending change refers to; unset in the grid's own chains
+    int row; // bucket that a pending change refers to; 0 for the people in the grid
     int column;
     PersonNode *next;
 };
@@ -51,15 +51,16 @@ struct ViewRange
 
 // Life cycle. makeList builds the grid over sizex * resolution by sizez * resolution world units
 // and scatters n people in it, with four rand() numbers for each. Returns 1, or 0 for a null list,
-// a world too small for a bucket of one unit, a missing picture or no memory; destroyPersonList
-// accepts the list even then. Without an OpenGL context the list is complete, but cannot be drawn.
+// a world in which buckets would be less than one unit wide, a missing picture or no memory. After
+// a failure the list can still be given to destroyPersonList. Without an OpenGL context the list is
+// complete, but cannot be drawn.
 int makeList(PeopleList *list, int n, int sizex, int sizez, int resolution);
-int destroyPersonList(PeopleList *list); // frees the people, the cells and the record; 1
+int destroyPersonList(PeopleList *list); // frees people, cells and record; returns 1
 void initPerson(Person *person);         // position, velocity and direction to 0
 
 // Queries
 ViewRange viewRange(const PeopleList *list, const Cube *cube);
-int needUpdate(Person person, int row, int column, int steprate); // 1 when outside that bucket
+int needUpdate(Person person, int row, int column, int steprate); // 1 when outside the bucket
 
 // Changes. People outside the grid belong to its nearest edge bucket.
 int addPerson(PeopleList *list, Person person); // 1, or 0 if there is no memory

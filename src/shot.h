@@ -14,24 +14,24 @@ struct Shot
     int32_t id;      // identity, given by addShot
     Vector position; // origin of the model
     Vector velocity; // units/s; x and z are doubled when the shot moves
-    int32_t heading; // yaw of the drawing about +y, whole degrees
+    int32_t heading; // yaw about +y at which the shot is drawn, whole degrees
     Shot *next;      // the next older shot, or null
 };
 
 struct ShotList
 {
-    Shot *head;     // newest shot in flight, or null; owned, with all that follow
-    int32_t nextId; // identity of the next added shot; only grows
+    Shot *head;     // newest shot in flight, or null; owned, like all that follow
+    int32_t nextId; // identity of the next added shot; never decreases
 };
 
 // Life cycle
-int destroyShotList(ShotList *list); // frees the shots and the record; 1
+int destroyShotList(ShotList *list); // frees the shots and the record; returns 1
 
 // Changes
-int addShot(ShotList *list, Shot shot);        // id and next are set here; 1, or 0: no memory
-int removeShot(ShotList *list, Shot shot);     // by id; 1, or 0 when it is not in the list
-void applyShotGravity(Shot *shot, float dt);   // one step of the velocity
-void updateShotPosition(Shot *shot, float dt); // one step of the position
+int addShot(ShotList *list, Shot shot);                // sets id and next; 1, or 0: no memory
+int removeShot(ShotList *list, Shot shot);             // by id; 1, or 0 when it is not in the list
+void applyShotGravity(Shot *shot, float dt);           // one step of the velocity
+void updateShotPosition(Shot *shot, float dt);         // one step of the position
 int checkShotCollision(const Shot *shot, Cube *cube);  // 1 if it hits; pushes and shrinks the cube
 void updateShot(ShotList *list, Cube *cube, float dt); // one world step of all shots
 void landShots(ShotList *list, Terrain *terrain); // removes those under the ground, digs craters

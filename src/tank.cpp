@@ -17,17 +17,17 @@ constexpr float FIRING_RANGE = 500.0f; // in the ground plane
 constexpr double RELOAD_SECONDS = 2.0; // between two shots of one tank
 constexpr float WANDER_SPEED = 100.0f; // units/s
 constexpr int SHORTEST_LEG = 500;      // units driven from one choice of heading to the next
-constexpr int LEG_SPREAD = 2000;    // units; a leg is less than this much longer than the shortest
-constexpr double TURN_GAIN = 10.0;  // 1/s^2
-constexpr double SPEED_GAIN = 15.0; // 1/s^2
-constexpr float MUZZLE_AHEAD = 10.0f; // along world x, whichever way the turret faces
+constexpr int LEG_SPREAD = 2000;       // units; a random length below this is added to a leg
+constexpr double TURN_GAIN = 10.0;     // 1/s^2
+constexpr double SPEED_GAIN = 15.0;    // 1/s^2
+constexpr float MUZZLE_AHEAD = 10.0f;  // along world x, whichever way the turret faces
 constexpr float MUZZLE_HEIGHT = 33.0f;
 constexpr float MUZZLE_LIFT = 80.0f;  // upward speed of a shot
 constexpr double CRUSH_KICK = 3000.0; // units/s^2, upward; times the cube's mass
 constexpr float CRUSH_CRATER = 10.0f; // gives a crater of strength 20
 constexpr float CRUSH_GROWTH = 10.0f;
 constexpr int CRUSH_SCORE = 50;
-constexpr double PLACEMENT_OFFSET = 0.6; // of the extent; 0.5 would centre the tanks on the origin
+constexpr double PLACEMENT_OFFSET = 0.6; // fraction of the extent; 0.5 would centre the tanks
 constexpr float HULL_YAW = 5.0f;         // degrees added to the heading when the tank is drawn
 
 // ---- life cycle ---------------------------------------------------------------------------------
@@ -128,7 +128,7 @@ int removeTank(TankList *list, Tank tank)
 
 // ---- behaviour ----------------------------------------------------------------------------------
 
-// The heading along which the tank would drive straight at the cube.
+// The heading of a tank that drives straight toward the cube.
 static double headingToCube(const Tank *tank, const Cube *cube)
 {
     return 180.0 - findDirection(cube->position, tank->position);
@@ -188,8 +188,9 @@ static void turnAndAccelerate(Tank *tank, float h)
     }
 }
 
-// Beyond the space along x a tank turns back. Beyond it along z, also in a corner, it goes outward.
-static void mindTheEdge(Tank *tank, Span space)
+// A tank beyond the space along x turns back. A tank beyond the space along z turns outward and
+// leaves the land, also in a corner: the rule for z comes last.
+static void chooseHeadingAtEdge(Tank *tank, Span space)
 {
     if (tank->position.x > space.high)
         tank->targetHeading = 180;
@@ -204,7 +205,7 @@ static void mindTheEdge(Tank *tank, Span space)
 static void drive(Tank *tank, float h, Span space)
 {
     turnAndAccelerate(tank, h);
-    mindTheEdge(tank, space);
+    chooseHeadingAtEdge(tank, space);
     const double course = decToRad(static_cast<float>(tank->heading + 90.0));
     tank->position.x = static_cast<float>(tank->position.x + std::sin(course) * h * tank->speed);
     tank->position.z = static_cast<float>(tank->position.z + std::cos(course) * h * tank->speed);

@@ -34,7 +34,7 @@ struct TankNode
 
 struct TankList
 {
-    TankNode *head;      // newest tank, or null; owned, with all that follow
+    TankNode *head;      // newest tank, or null; owned, like all that follow
     uint32_t turretList; // OpenGL list of turret and barrel
     uint32_t hullList;   // OpenGL list of hull and tracks
     TgaImage *image;     // texture atlas; owned
@@ -44,12 +44,12 @@ struct TankList
 // Life cycle. makeTankList compiles the model, loads TexTank.tga from the working directory and
 // creates n equal tanks. Returns 1, or 0 for a null list or a missing picture. Without an OpenGL
 // context the list is complete, but cannot be drawn. randomTankPlacement scatters the tanks over
-// sizex * resolution by sizez * resolution world units, an area whose centre lies a tenth of its
-// sides below the origin along x and z, with three rand() numbers for each.
+// sizex * resolution by sizez * resolution world units, with three rand() numbers for each tank.
+// The centre of this area lies a tenth of each side from the origin, toward -x and -z.
 int makeTankList(TankList *list, int n);
 void initTank(Tank *tank); // does not set id and wanderDistance
 void randomTankPlacement(TankList *list, int sizex, int sizez, int resolution);
-int destroyTankList(TankList *list); // frees the tanks, the picture and the record; 1
+int destroyTankList(TankList *list); // frees tanks, picture and record; returns 1
 
 // Changes
 int addTank(TankList *list, Tank tank);    // 1, or 0 if there is no memory
@@ -64,6 +64,6 @@ void settleTanks(TankList *list, const Terrain *terrain);        // puts every t
 
 // Drawing
 void drawTank(const Tank *tank);   // hull and tracks at the origin; the record is not read
-void drawTurret(const Tank *tank); // turret and barrel, likewise
+void drawTurret(const Tank *tank); // turret and barrel at the origin; the record is not read
 void drawTanks(TankList *list, const Cube *cube,
                const Terrain *terrain); // calls settleTanks, then draws those in view

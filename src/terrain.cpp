@@ -18,16 +18,16 @@ constexpr float SAMPLE_SPACING = 25.0f;
 constexpr float INVERSE_SPACING = 0.04f;
 constexpr float HEIGHT_RANGE = 600.0f; // world units between grey 0 and grey 256
 constexpr double GREY_LEVELS = 256.0;
-constexpr double SMOOTHING = 0.5; // share that a sample keeps of its own height
+constexpr double SMOOTHING = 0.5; // fraction of its own height that a sample keeps
 constexpr int SMOOTHINGS = 3;
-constexpr double TEXTURE_STEP = 0.05;  // of the texture per sample, which repeats every 20 samples
-constexpr int DIRTY_REACH = 5;         // samples; blocks this near to a change are rebuilt too
-constexpr double EDGE_MARGIN = 2000.0; // units from the edges of the land to the living space
+constexpr double TEXTURE_STEP = 0.05;    // from sample to sample; the texture repeats every 20
+constexpr int DIRTY_REACH = 5;           // samples; blocks this near to a change are rebuilt too
+constexpr double EDGE_MARGIN = 2000.0;   // units from the edges of the land to the living space
 constexpr float DENT_THRESHOLD = -50.0f; // a corner falling slower than this leaves no dent
 constexpr float STRONGEST_DEFORMATION = 20.0f;
 
-// A change at the corner of four blocks does not mark the diagonal one, whose list then shows the
-// corner sample higher than it is now, by less than this many units.
+// Units. A change at the corner of four blocks marks only three of them (see terrainFlagDLDirty).
+// The list of the fourth block may show the corner sample higher than it is now, by less than this.
 constexpr float STALE_HEIGHT = 100.0f;
 
 // ---- life cycle ---------------------------------------------------------------------------------
@@ -74,7 +74,7 @@ static int allocateSamples(Terrain *terrain)
 }
 
 // The usual cause is that the game was started in another folder than that of its images.
-static void tellWhereMapsAreSought()
+static void printWhereMapsAreMissing()
 {
     char folder[4096]; // the longest path that Linux knows
     const char *here = getcwd(folder, sizeof(folder)) ? folder : "a folder that is gone";
@@ -90,7 +90,7 @@ static int refuseMaps(const TgaImage *heights, const TgaImage *colours)
 {
     fputs("   ...couldn't load TGA\n", stderr);
     if (isMissing(heights) || isMissing(colours))
-        tellWhereMapsAreSought();
+        printWhereMapsAreMissing();
     return 0;
 }
 
@@ -261,7 +261,7 @@ float getHeightAt(const Terrain *terrain, float x, float z)
         return 0;
     const int ix = static_cast<int>(fx);
     const int iz = static_cast<int>(fz);
-    // This is findYvalue without the terms that are 0: two corners share z, and two share x.
+    // findYvalue, simplified: the first two corners have the same z, the last two have the same x.
     const float x0 = sampleX(terrain, ix), spanX = sampleX(terrain, ix + 1) - x0;
     const float z0 = sampleZ(terrain, iz), spanZ = sampleZ(terrain, iz + 1) - z0;
     const float y0 = terrain->map[ix][iz];
@@ -274,7 +274,7 @@ float getHeightAt(const Terrain *terrain, float x, float z)
     return static_cast<float>(y0 - (nx * dx + nz * dz) / ny);
 }
 
-// Both axes use the extent of the width.
+// Callers pass the extent along x for both axes.
 Span livingSpace(double extent)
 {
     return {static_cast<float>(truncateToInt(extent * -0.5 + EDGE_MARGIN)),
@@ -361,7 +361,8 @@ static float deformationStrength(float v, int mode)
     return std::min(static_cast<float>(strength), STRONGEST_DEFORMATION);
 }
 
-// Share of a crater's full depth at offset (i, j) from its centre: a pyramid along the axes.
+// Fraction of a crater's full depth at offset (i, j) from its centre. It falls linearly with
+// |i| + |j|.
 static float craterShare(float strength, int i, int j)
 {
     const double radius = strength * 0.2;
@@ -495,7 +496,8 @@ void compileTerrain(const Terrain *terrain, float cx, float cz, float size)
     const float minZ = cz - size * 0.5f, maxZ = cz + size * 0.5f;
     glPushMatrix();
     setGroundSurface(terrain);
-    // A sample more than the square needs on each side; the comparisons below are exact.
+    // The loops start and end one sample outside the square. The comparisons below then choose the
+    // samples that are in the square.
     const int endI = std::min(worldToTerrainX(terrain, maxX) + 2, terrain->width - 1);
     const int firstJ = std::max(worldToTerrainZ(terrain, minZ) - 1, 0);
     const int endJ = std::min(worldToTerrainZ(terrain, maxZ) + 2, terrain->height);
@@ -527,7 +529,7 @@ struct Range // of samples along one axis; half open
 };
 } // namespace
 
-// The samples that block b shows along x. Its last strip is drawn again by the next block.
+// The samples that block b shows along x. The next block draws the last strip of block b again.
 static Range columnsOf(const Terrain *terrain, int b)
 {
     return {b * BLOCK_SIDE, std::min(b * BLOCK_SIDE + BLOCK_SIDE + 2, terrain->width)};

@@ -13,7 +13,7 @@ typedef float Colour[3]; // red, green, blue, each 0 to 1
 
 struct Terrain
 {
-    float **map;             // [width][height] world y of each sample; owned, as all arrays here
+    float **map;             // [width][height] world y of each sample; owned, like all arrays here
     Vector **normals;        // [width][height] unit normal of the surface at each sample
     Colour **colours;        // [width][height] colour of each sample
     float scale;             // world units between neighbouring samples
@@ -45,11 +45,11 @@ void deleteTerrain(Terrain *terrain); // keeps the OpenGL names, which end with 
 // Queries
 int worldToTerrainX(const Terrain *terrain, float x); // nearest sample, clamped to the grid
 int worldToTerrainZ(const Terrain *terrain, float z);
-// World y of the ground: the plane through samples (i, j), (i + 1, j) and (i + 1, j + 1) of the
-// cell, in both of its halves. 0 on and outside the outermost grid lines.
+// World y of the ground. The plane through samples (i, j), (i + 1, j) and (i + 1, j + 1) is used in
+// the whole cell, also in its other triangle. 0 on and outside the outermost grid lines.
 float getHeightAt(const Terrain *terrain, float x, float z);
-// The x and z between which people and tanks stay, on land of that extent: 2000 units away from the
-// edges. low > high on land of less than 4000 units.
+// The x and z outside of which people and tanks change their course, on land of that extent: 2000
+// units away from the edges. low > high on land of less than 4000 units.
 Span livingSpace(double extent);
 
 // Changes. Boxes are half open, from x0 and z0 up to but excluding x1 and z1; what lies outside the
@@ -58,16 +58,17 @@ void smoothTerrain(Terrain *terrain); // four passes of a running average over a
 void computeTerrainNormals(Terrain *terrain);
 void smoothSelectedArea(Terrain *terrain, int x0, int x1, int z0, int z1);
 void computeSelectedNormals(Terrain *terrain, int x0, int x1, int z0, int z1);
-// Lowers the ground around position (its y is not used). v is the vertical speed of a dent, without
-// effect from -50 up, or the power of a crater, without effect from 0 down. Other modes do nothing.
+// Lowers the ground around position, whose y is not used. For a dent, v is the vertical speed of
+// the corner, and -50 or more has no effect. For a crater, v is the power of the explosion, and 0
+// or less has no effect. Other modes do nothing.
 void deformTerrain(Terrain *terrain, Vector position, float v, int mode);
 // Blends the nearest sample's colour toward (red, green, blue) by the fraction t, 0 to 1.
 void colourTerrain(Terrain *terrain, Vector position, float red, float green, float blue, float t);
 // Blends the colour of sample (i, j), which must be in the grid, but does not mark its block.
 void colourTerrainArray(Terrain *terrain, int i, int j, float red, float green, float blue,
                         float t);
-// Marks the block of sample (i, j), and those within 5 samples of (i, j) along an axis, to be
-// compiled anew, and deletes their lists.
+// Deletes the lists of the block of sample (i, j) and of the blocks within 5 samples of it along
+// one axis. Marks these blocks, so that they are compiled again before they are drawn.
 void terrainFlagDLDirty(Terrain *terrain, int i, int j);
 
 // Drawing

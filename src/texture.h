@@ -6,10 +6,11 @@
 
 struct TgaImage;
 
-// Names a texture, loads the file and uploads it under that internal format; loadingLine and what
-// follows go to standard error. Returns 1, or 0 when the file is not an RGB image: the texture then
-// has no picture, and what is drawn with it is untextured. The caller owns *image either way.
+// Generates a texture name, loads the file and uploads it with that internal format. Prints
+// loadingLine and the progress on standard error. Returns 1, or 0 when the file is not an RGB
+// image: the texture then has no picture, and polygons that use it are drawn untextured. The caller
+// owns *image in both cases.
 int loadTexture(const char *loadingLine, const char *file, int internalFormat, TgaImage **image,
                 uint32_t *texture);
-// Binds it with an environment mode, the same wrap mode in s and t, and linear filters.
+// Binds the texture and sets its environment mode, one wrap mode for s and t, and linear filters.
 void useTexture(uint32_t texture, int environment, int wrap);

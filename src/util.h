@@ -38,8 +38,10 @@ Vector vectorAdd(Vector a, Vector b);
 Vector vectorSubtract(Vector a, Vector b);
 Vector vectorCrossProduct(Vector a, Vector b);
 float vectorDotProduct(Vector a, Vector b);
-Vector normalizeVector(Vector v);               // unit length; the zero vector stays zero
-Vector normal(Vector p1, Vector p2, Vector p3); // unit normal; up for counter-clockwise from above
+Vector normalizeVector(Vector v); // unit length; the zero vector stays zero
+// Unit normal of the plane through the points. It points up if they run counter-clockwise as seen
+// from above.
+Vector normal(Vector p1, Vector p2, Vector p3);
 
 // Heading in degrees, 0 to 360, in the ground plane: 0 along +x, 90 along +z.
 // 0 when both points share x and z.

@@ -32,14 +32,16 @@ struct View
 } // namespace
 
 constexpr double SLACK = 1.0; // units by which single precision may misplace a vertex
-// OpenGL clips a vertex at the far plane where its depth exceeds its distance. Both are about far
-// and rounded to single precision, while their difference grows by only 2 / far per unit (with the
-// near plane at 1): the rounding can move the far plane by many units.
-constexpr double CLIP_ROUNDING = 2e-7; // twice the relative rounding of single precision
+// OpenGL clips at the far plane where the clip coordinate z is greater than w. Both are about as
+// large as far and have a rounding error of single precision. With the near plane at 1, their
+// difference changes by only 2 / far per unit of distance. The error can therefore move the far
+// plane by many units.
+constexpr double CLIP_ROUNDING = 2e-7; // more than the relative spacing of floats, 1.2e-7
 constexpr double REACH = 10000;        // units from the origin to the end of the land
 // Pixels. Shadow prisms end ten million units away, where single precision is coarse.
 constexpr double PIXEL_SLACK = 8.0;
-// Least horizontal part of the unit vector ahead. If it is smaller, its rounding turns the picture.
+// A view is set if the horizontal part of the unit vector ahead is longer than this. In a shorter
+// one, the rounding error would visibly turn the picture.
 constexpr double STEEPEST = 0.002;
 
 static View view;
@@ -114,7 +116,7 @@ void setView(const Eye *eye)
 {
     view.eye = direction(eye->position);
     view.ahead = unit(difference({eye->target[0], eye->target[1], eye->target[2]}, view.eye));
-    // Without a direction, or with near beyond far, there is no view either.
+    // No view is set either if eye and target are the same point or if near is not below far.
     isSet = std::hypot(view.ahead.x, view.ahead.z) > STEEPEST && eye->near < eye->far;
     if (!isSet)
         return;
@@ -150,7 +152,8 @@ static float toFloat(double value)
     return static_cast<float>(std::clamp(value, -LARGEST, LARGEST));
 }
 
-// For each plane, the height at which the box's corner that is farthest inward touches the plane.
+// Finds for each plane the edge of the box along y that is farthest inward, and computes the height
+// at which this edge crosses the plane.
 Span viewHeights(Span x, Span z)
 {
     Span heights = {-INFINITY, INFINITY};
@@ -177,7 +180,7 @@ static void extend(Span *span, double value)
     span->high = std::max(span->high, static_cast<float>(value + SLACK));
 }
 
-// Extends z to where the edge from a to b crosses x, if it does.
+// Extends z to the point where the edge from a to b crosses x, if there is one.
 static void extendAtCrossing(Span *z, Direction a, Direction b, double x)
 {
     if ((a.x < x) != (b.x < x))

@@ -3,6 +3,6 @@
 
 #include "plan.h"
 
-// Returns the heights of the bare ground. No mountain stands at the landing place or in the valley
-// that leads to it.
+// Returns the heights of the bare ground. The landing place and the valley that leads to it have no
+// mountains.
 Field raiseGround(const Plan &plan, const std::vector<Field> &countries);

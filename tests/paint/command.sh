@@ -16,14 +16,14 @@ content() # of the folder: names, kinds, permissions, checksums
     find . -type f -exec cksum {} + | sort -k 3
 }
 
-expectRefusal() # STATUS LINE ARGUMENT...: this status, this line only, and nothing changes
+expectRefusal() # STATUS LINE ARGUMENT...: expects this status, only this line and no change
 {
     local status=0 before
     before=$(content)
     "$LAND" "${@:3}" >../out 2>../err || status=$?
     ((status == $1)) || fail "status $status instead of $1: ${*:3}"
-    diff <(echo "tumbledown-land: $2") ../err || fail "another line: ${*:3}"
-    diff <(echo "$before") <(content) || fail "something is written: ${*:3}"
+    diff <(echo "tumbledown-land: $2") ../err || fail "wrong message: ${*:3}"
+    diff <(echo "$before") <(content) || fail "a refused command changed the folder: ${*:3}"
 }
 
 refusesWhatMakesNoSense()
@@ -60,7 +60,7 @@ paintsTheSameLandTwice()
     (($(find one -name '[MT]*.tga' | wc -l) == 8)) || fail "there are not eight images"
     [[ $(tail -n 2 ../out) == *"seed 1, 351 samples"*"tumbledown one"* ]] || fail "$(<../out)"
     stages=$(sed -n 's/^ *[0-9]* of \([0-9]*\) .*/\1/p' ../out)
-    (($(wc -l <<<"$stages") == $(head -n 1 <<<"$stages"))) || fail "STAGES is wrong: $(<../out)"
+    (($(wc -l <<<"$stages") == $(head -n 1 <<<"$stages"))) || fail "wrong stages: $(<../out)"
 }
 
 replacesImagesWhenForced()
@@ -76,7 +76,7 @@ leavesNothingWhenAFileCannotGrow()
     (ulimit -f 1500 && expectRefusal 1 "cannot write new/TexSkyBox.tga: File too large" new "${SMALL[@]}")
 }
 
-# A named pipe in the place of a temporary file halts the painter in the middle of its writing.
+# A named pipe in the place of a temporary file makes the painter wait in the middle of its writing.
 keepsTheImagesWhenStopped()
 {
     local signal before painter
@@ -88,9 +88,9 @@ keepsTheImagesWhenStopped()
         until [[ -e two/.TexSkyBox.tga.part ]]; do sleep 0.1; done
         kill -s $signal $painter
         [[ $signal == KILL ]] || timeout 60 cat two/.TexTank.tga.part >/dev/null
-        ! wait $painter || fail "the painter does not end by SIG$signal"
-        [[ $signal == TERM ]] || rm two/.*.part # which nobody takes for an image
-        diff <(echo "$before") <(content) || fail "SIG$signal leaves something behind"
+        ! wait $painter || fail "SIG$signal does not end the painter"
+        [[ $signal == TERM ]] || rm two/.*.part # the game does not read these
+        diff <(echo "$before") <(content) || fail "SIG$signal changes the folder"
     done
 }
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-constexpr int SIDE = 351; // the smallest
+constexpr int SIDE = 351; // the smallest side allowed
 
 static const Land &landOfSeed5()
 {
@@ -77,7 +77,7 @@ TEST(LandTest, EachFaultIsFound)
     }
 }
 
-// A hollow of height 2 with its way out at 5, beside the sea at the left.
+// The ground from left to right: the sea, an outlet of height 5, a hollow of height 2, high land.
 TEST(DrainageTest, FillsAHollowUpToItsWayOut)
 {
     Field height(5, 3, 9);

@@ -1,27 +1,27 @@
 #include "coast.h"
 
-// The game's smoothing limits how steep any ground can be. The cliff reaches that limit, and none
-// of its bends and corners is narrow enough to be a ramp. The tool rim counts the cubes that climb
-// over the cliff.
-constexpr float CLIFF_BRINK = 620;   // units from the end of the land, on average
-constexpr float CLIFF_WIDTH = 25;    // from the brink to the foot
-constexpr float CLIFF_CORNER = 1000; // radius; wider and narrower ones let more cubes climb
-constexpr float CLIFF_BEND = 350;    // how far bends of BEND_LENGTH move the cliff
-constexpr float BEND_LENGTH = 4500;
-constexpr float CLIFF_HEADLAND = 120; // and how far headlands of HEADLAND_LENGTH do
+// The game's smoothing limits how steep any ground can be. The cliff reaches that limit. In narrow
+// bends and corners the smoothing makes the cliff a ramp, so the cliff has only wide ones. The tool
+// rim counts the cubes that climb over the cliff.
+constexpr float CLIFF_BRINK = 620;    // units from the edge of the land to the brink, on average
+constexpr float CLIFF_WIDTH = 25;     // from the brink to the foot
+constexpr float CLIFF_CORNER = 1000;  // radius; with wider or narrower corners more cubes climb
+constexpr float CLIFF_BEND = 350;     // how far bends move the cliff
+constexpr float BEND_LENGTH = 4500;   // along the coast
+constexpr float CLIFF_HEADLAND = 120; // how far headlands move the cliff
 constexpr float HEADLAND_LENGTH = 1000;
 constexpr float CLIFF_DIP = 30;     // how far the brink sinks below HEIGHT_RANGE
-constexpr float CLIFF_CREST = 300;  // from the brink to where the land falls again, out of sight
-constexpr float CLIFF_BACK = 0.6f;  // slope behind
+constexpr float CLIFF_CREST = 300;  // width of the level top; the player cannot see what is behind
+constexpr float CLIFF_BACK = 0.6f;  // slope of the ground behind the top
 constexpr float CLIFF_SPREAD = 270; // from the brink to the foot once the game has smoothed it
-constexpr float FJORD_WIDTH = 320;  // where it is narrowest
-constexpr float FJORD_BAYS = 700;   // how much wider it is in bays
+constexpr float FJORD_WIDTH = 320;  // width where the fjord is narrowest
+constexpr float FJORD_BAYS = 700;   // added to the width in bays
 
-constexpr float FALL_SPACING = 2600; // along the coast, from brook to brook
+constexpr float FALL_SPACING = 2600; // distance along the coast from brook to brook
 constexpr float FALL_HALF_WIDTH = 22;
 
-// Units from the end of the land, less where the cliff has come inland and more where it has
-// receded.
+// A measure of the distance from the edge of the land: at the brink it is always CLIFF_BRINK. Noise
+// is added to the true distance, which moves the brink inland or outward.
 static float inwardAt(const Plan &plan, float x, float z)
 {
     const float dx = std::fabs(x) - (plan.half() - CLIFF_CORNER);
@@ -50,7 +50,7 @@ float coastSteepness(const Plan &plan, float x, float z)
     return soft(2800, 2000, out) * soft(0, 0.25f, plan.waves(x, z, 1700, 2, 44));
 }
 
-// The height of the cliff where the land lies so many units behind its brink.
+// The height of the cliff at a place `behind` units beyond its brink, toward the edge of the land.
 static float cliffTop(const Plan &plan, float x, float z, float behind)
 {
     const float dip = std::fabs(plan.waves(x, z, 900, 3, 45)) * 2;

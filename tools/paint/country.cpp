@@ -44,7 +44,7 @@ constexpr float CROWN_CELL = 86;      // units from tree to tree in a wood; smal
 constexpr float LONE_TREE_CELL = 240; // units from tree to tree on a meadow
 constexpr float TREE_SHADOW = 45;     // length in units of the shadow of a wood
 constexpr float BAND_HEIGHT = 21;     // units, thickness of a layer of red rock
-constexpr float BRAID_WIDTH = 0.045f; // of the water in a delta, in values of its noise
+constexpr float BRAID_WIDTH = 0.045f; // delta noise below this value is water
 
 Clump clumpAt(const Spot &spot, float cell, float radius, int number)
 {
@@ -185,7 +185,7 @@ static Colour heathColour(const Spot &spot)
     return mix(HEATH, DRY_GRASS, 0.3f + 0.3f * spot.rough) * (1 + 0.2f * spot.grain);
 }
 
-// 0 open ground .. 1 wood, at a place that may lie beside the sample.
+// 0 open ground .. 1 wood at (x, z), a place near the sample. All but the noise is the sample's.
 static float woodAt(const Spot &spot, float x, float z)
 {
     const float wood = fractal(x / 900, z / 900, 0, 4, 0.6f, layer(spot, 60));

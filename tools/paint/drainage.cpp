@@ -4,7 +4,7 @@
 
 namespace
 {
-struct Entry // of the flood; what is lower comes first, and of equals what was reached first
+struct Entry // in the queue of the flood: the lowest first, then the one that was reached first
 {
     float level;
     int turn, cell;
@@ -46,7 +46,7 @@ static void floodNeighbours(Drainage &drainage, Flood &flood, const Field &heigh
     }
 }
 
-// The flood rises from the sea and comes to each sample over the lowest way there (priority flood).
+// Priority flood: the water rises from the sea and reaches each sample by the lowest possible way.
 static void floodFrom(const Grid<char> &sea, const Field &height, Drainage &drainage)
 {
     Flood flood = {{}, std::vector<char>(height.cells.size()), 0};

@@ -1,4 +1,4 @@
-// drainage.h - where the water of each sample runs.
+// drainage.h - to where the rain of each sample flows.
 #pragma once
 
 #include "plan.h"
@@ -7,9 +7,9 @@ struct Drainage
 {
     std::vector<int> order;  // samples (z * side + x), each after the one that it drains to
     std::vector<int> toward; // the next sample downstream; -1 in the sea and where nothing drains
-    Field level;             // of the ground when every hollow is filled up to its way out
-    Field flow;              // how many samples' rain comes by, weighted by the rain there
+    Field level;             // height of the ground with every hollow filled up to its outlet
+    Field flow;              // rain of all samples that drain through this one, and its own
 };
 
-// Sea is 1 where the water ends. The rain of a sample is about 1.
+// `sea` is 1 on the samples into which all water drains. The rain of a sample is about 1.
 Drainage drain(const Field &height, const Grid<char> &sea, const Field &rain);

@@ -1,11 +1,11 @@
 #include "erosion.h"
 
-constexpr float DROPLETS = 1.27f; // to a sample; more dig deeper gullies
+constexpr float DROPLETS = 1.27f; // droplets per sample; more of them dig deeper gullies
 constexpr int DROPLET_STEPS = 40;
-constexpr float INERTIA = 0.08f; // how much a drop keeps its direction
-constexpr float CAPACITY = 5;    // soil carried per speed, water and fall
-constexpr float DEPOSIT = 0.3f;
-constexpr float EROSION = 0.35f;
+constexpr float INERTIA = 0.08f; // share of its old direction that a droplet keeps
+constexpr float CAPACITY = 5;    // soil that a droplet can carry, per speed * water * fall
+constexpr float DEPOSIT = 0.3f;  // share of the soil above this limit that it leaves
+constexpr float EROSION = 0.35f; // share of the room below the limit that it takes up
 constexpr float EVAPORATION = 0.02f;
 constexpr float FALL_TO_SPEED = 4;
 
@@ -36,7 +36,7 @@ static Slope slopeAt(const Field &height, float x, float z)
     return {mix(mix(a, b, u), mix(c, d, u), w), mix(b - a, d - c, w), mix(c - a, d - b, u)};
 }
 
-// Moves the drop by one sample downhill; 0 when it leaves the land or has nowhere to run.
+// Moves the droplet by one sample downhill. Returns 0 if it leaves the land or the ground is level.
 static int move(const Field &height, Droplet &drop, const Slope &here)
 {
     drop.dirX = drop.dirX * INERTIA - here.alongX * (1 - INERTIA);
@@ -52,11 +52,12 @@ static int move(const Field &height, Droplet &drop, const Slope &here)
     return drop.x >= 1 && drop.z >= 1 && drop.x <= last && drop.z <= last;
 }
 
-// The soil that the drop takes up on a step that rises by that much; negative: what it leaves.
+// The soil that the droplet takes up in a step; negative if it leaves soil. `rise` is the change of
+// the ground's height in this step.
 static float soilTaken(const Droplet &drop, float rise)
 {
     const float capacity = std::max(-rise, 0.01f) * drop.speed * drop.water * CAPACITY;
-    if (rise > 0) // in a hollow: fill it, no higher than the way out
+    if (rise > 0) // in a hollow: fill it, but not above the next point
         return -std::min(rise, drop.sediment);
     if (drop.sediment > capacity)
         return -(drop.sediment - capacity) * DEPOSIT;
@@ -92,7 +93,7 @@ void erode(const Plan &plan, Field &height)
         {
         }
     }
-    height = blurred(height, 1); // the drops dig at single samples
+    height = blurred(height, 1); // each droplet digs at single samples
     for (float &h : height.cells)
         h *= HEIGHT_RANGE;
 }

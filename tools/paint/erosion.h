@@ -3,5 +3,5 @@
 
 #include "plan.h"
 
-// Lets drops of rain run over the ground: they dig gullies and leave soil in hollows.
+// Lets droplets of rain run over the ground. They dig gullies and leave soil in hollows.
 void erode(const Plan &plan, Field &height);

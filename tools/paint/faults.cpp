@@ -3,12 +3,12 @@
 #include "courses.h"
 
 constexpr float LANDING_WIDTH = 150; // units on either side of x = 0 that must be good to land on
-constexpr float LANDING_END = 600;   // the cube comes down between z = 0 and there
+constexpr float LANDING_END = 600;   // the cube comes down between z = 0 and this z
 constexpr float STEEPEST_LANDING = 0.27f;
 constexpr float HIGHEST_LANDING = 300;
 constexpr float VALLEY_START = -4000; // where the cube appears
-constexpr float COAST_WIDTH = 2000;   // the valley may end so far from the end of the land
-constexpr float LARGEST_RISE = 4;     // of a river: two greys of the map
+constexpr float COAST_WIDTH = 2000;   // the part of the valley this near the edge is not checked
+constexpr float LARGEST_RISE = 4; // units that a river may rise; just below two greys of the map
 constexpr size_t FEWEST_VILLAGES = 3;
 
 static int sampleAt(const Land &land, float world)

@@ -1,11 +1,11 @@
-// faults.h - what would keep a land from being played.
+// faults.h - faults that would make a land bad to play on.
 #pragma once
 
 #include "land.h"
 
-// How far the ground under a river rises above what it was upstream, at most; in units.
+// The most that the ground under a river lies above any ground upstream, in units.
 float largestRise(const Land &land, const Course &river);
 
-// What is wrong with a land, or null: a landing place that is wet, steep or high, a closed valley,
-// a river that runs uphill or nowhere, or too few villages.
+// Returns what is wrong with a land, or null: a landing place that is wet, steep or high, a closed
+// valley, a river that runs uphill or ends on dry land, no river, too few villages or a wet one.
 const char *faultOf(const Land &land);

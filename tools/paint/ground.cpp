@@ -14,15 +14,15 @@ constexpr int SHADOW_STEPS = 40;       // length of the longest shadow, in sampl
 constexpr float PENUMBRA = 35;         // units below the edge of a shadow at which it is full
 constexpr float SHADOW = 0.55f;        // share of the sunlight that a full shadow takes away
 constexpr float LEAST_SKY = 0.55f;     // share of the skylight that the deepest valley gets
-constexpr float CLIFF_SKY = 0.95f;     // share of it that the cliff and the water get at least
-constexpr float STEEP_GAIN = 0.45f;    // share of the game's dimming of steep slopes made up for
+constexpr float CLIFF_SKY = 0.95f;     // least share of the skylight on the cliff and the water
+constexpr float STEEP_GAIN = 0.45f;    // share of the game's dimming of steep slopes that is undone
 
 constexpr float SHOULDER = 0.82f; // brighter values are compressed below 1 instead of being cut off
 constexpr Colour TRACK = hex(0xD9B57A);
 constexpr Colour SNOWY_TRACK = hex(0xC4B8AC);
 constexpr float BORDER_BEND = 34; // samples by which noise shifts the borders of countries, at most
 constexpr float BORDER_FRAY = 0.8f; // strength of the noise that makes these borders ragged
-constexpr int BROAD = 8; // samples on each side that the share of open water is taken over
+constexpr int BROAD = 8;            // samples on each side within which open water is averaged
 
 constexpr int NOISE_SIDE = 512; // texels of TexNoise; they cover 500 units
 constexpr float NOISE_MEAN = 0.955f;
@@ -41,7 +41,7 @@ struct Surroundings // what the look of a sample depends on, apart from its own 
     Field level;        // mean height within some 200 units
     Field region;       // mean height within some 500 units
     Field moisture;     // 0 dry .. 1 wet
-    Field shore, depth; // samples to the nearest water; from the water to the nearest shore
+    Field shore, depth; // samples: from land to the nearest water, from water to the nearest land
     Field open;         // share of water within some 200 units
     Field shadow;       // 0 sun .. 1 in the shadow of higher land
 };
@@ -81,8 +81,8 @@ static Colour lightAt(const Land &land, const Surroundings &around, const Spot &
     return light * mix(1, 2 / (1 + up), STEEP_GAIN * (1 - land.cliff.at(x, z)));
 }
 
-// The shadow of the land on each sample, 0 none .. 1 full: a ray from the sample to the sun passes
-// below higher land.
+// The shadow of the land on each sample, 0 none .. 1 full. A sample is in the shadow if the ray
+// from it to the sun meets land.
 static Field shadowsOf(const Field &height)
 {
     Field shadow(height.width, height.height);
@@ -119,8 +119,7 @@ static Field moistureOf(const Land &land)
 
 static Surroundings surroundingsOf(const Land &land)
 {
-    return {noiseSeed(land.seed, 1000) %
-                100000, // libnoise multiplies it by 1013, which must fit an int
+    return {noiseSeed(land.seed, 1000) % 100000, // libnoise needs 1013 times the seed to fit an int
             blurred(blurred(land.height, 4), 4),
             blurred(blurred(land.height, 10), 10),
             moistureOf(land),

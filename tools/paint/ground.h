@@ -1,6 +1,6 @@
 // ground.h - how one sample of the land looks before it is lit. ground.cpp asks for the colour of
-// the wild country first, then lays the cliff, farmland, beaches, tracks and water over that
-// colour. World units. Only ground.cpp and the files that it names here include this header.
+// the wild country first. It then lays farmland, beaches, the cliff, tracks and water over that
+// colour. World units. Only ground.cpp and the files named below include this header.
 #pragma once
 
 #include "land.h"
@@ -38,7 +38,7 @@ inline int layer(const Spot &spot, int number)
     return spot.seed + number;
 }
 
-// A tree, shrub or boulder. Each square cell of the ground has one at a random place.
+// A tree or a shrub. Each square cell of the ground has one at a random place.
 struct Clump
 {
     float distance; // from the middle of the nearest clump to the sample, in radii

@@ -15,7 +15,7 @@ constexpr size_t HEADER_BYTES = 18; // of a TGA file
 
 namespace
 {
-// Holds back the signals that ask the program to end, as long as it lives.
+// While this object exists, signals that ask the program to end are held back.
 class SignalsHeld
 {
 public:
@@ -61,11 +61,11 @@ public:
     {
         return descriptor >= 0;
     }
-    void flush() const // the names in it to the disk
+    void flush() const // writes the names in the folder to the disk
     {
         fsync(descriptor);
     }
-    void undo() const // the making of it; a folder that holds something stays
+    void undo() const // removes the folder if it was made here and is empty
     {
         if (made)
             rmdir(name.c_str());
@@ -117,7 +117,7 @@ static std::string refusal(const char *what, const std::string &path)
     return std::string("cannot ") + what + " " + path + ": " + strerror(reason ? reason : EIO);
 }
 
-// tgaSave does not report a full disk: the length of the file and the flush to the disk do.
+// tgaSave does not report a full disk. A short file or a failing fsync shows it.
 static bool isComplete(const std::string &path, size_t bytes)
 {
     struct stat state = {};

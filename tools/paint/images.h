@@ -24,11 +24,12 @@ unsigned char toByte(float channel); // 0..1 to 0..255; what lies outside is cla
 std::string pathOf(const std::string &folder, const char *name); // <folder>/<name>.tga
 
 // Writes each image as <folder>/<name>.tga and makes the folder if it is missing; folders above it
-// must exist. Each image is first written under a temporary name. All are renamed once all are
-// complete, and signals are delivered after that: whatever fails or stops the program, no image in
-// the folder is ever half-written. Unless `replace` is set, an image that is there already is kept
-// and counts as a failure. Returns an empty string, or one line that says what failed.
+// must exist. Each image is first written under a temporary name. When all are complete, all are
+// renamed. Signals wait until then. So no image in the folder is ever half-written, whatever fails
+// or stops the program. If an image is there already and `replace` is not set, that is a failure,
+// and the image is kept. Returns an empty string, or one line that says what failed.
 std::string saveImages(const std::string &folder, const Images &images, bool replace);
 
-// Tries whether saveImages could write into the folder, and leaves no trace. Returns the same.
+// Tries whether saveImages could write into the folder, and leaves no trace. Returns an empty
+// string, or one line that says what failed.
 std::string findFault(const std::string &folder);

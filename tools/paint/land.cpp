@@ -12,15 +12,16 @@
 #include "smoothing.h"
 #include "water.h"
 
-constexpr int TRIALS = 12;    // of lands with a fault
-constexpr int DEEPENINGS = 4; // of river beds in one land
+constexpr int TRIALS = 12;    // lands that are grown at most; the last is taken even with a fault
+constexpr int DEEPENINGS = 4; // how many times the river beds of one land are deepened at most
 
 int noiseSeed(uint32_t landSeed, int use)
 {
     return int(scatter(int(landSeed), use, 77) * 16777216.0f);
 }
 
-// Writes the map, and in the land the heights that the game makes of the map.
+// Sets land.map so that the game shows the wanted heights. Sets land.height to the heights that the
+// game really gets from this map.
 static void settleHeights(const Field &wanted, Land &land)
 {
     const Field map = sharpened(wanted);
@@ -76,7 +77,8 @@ static Land growLand(const Plan &plan)
     return land;
 }
 
-// Few lands have a fault; they are grown again from another seed, which follows from the first.
+// Few seeds give a land with a fault. Such a land is grown again from another seed, which is
+// calculated from the first.
 Land makeLand(uint32_t seed, int side)
 {
     Land land = growLand({seed, side});

@@ -1,17 +1,17 @@
 // land.h - the shape of the land: heights, water, villages, tracks and countries on the game's grid
-// of samples. World units. Grids here run x across and z up. A row of pixels in Map and MapTex is
-// one x and a column is one z, so both are transposed when they are written (see asImage).
+// of samples. World units. In these grids x runs to the right and z upward. In Map and MapTex a row
+// of pixels has one x and a column has one z, so asImage transposes the grids for these images.
 #pragma once
 
 #include "canvas.h"
 
 #include <cstdint>
 
-constexpr float SPACING = 25;       // units between samples, fixed by the game
-constexpr float HEIGHT_RANGE = 600; // height of a grey of 256, fixed by the game
-constexpr float WATER_LEVEL = 36;   // of the fjord; lakes and rivers lie higher
+constexpr float SPACING = 25;       // units between neighbouring samples, fixed by the game
+constexpr float HEIGHT_RANGE = 600; // units of height for 256 greys, fixed by the game
+constexpr float WATER_LEVEL = 36;   // height of the fjord; lakes and rivers are higher
 
-// What a stretch of land is like. The weights of all countries at a sample add up to 1.
+// The kinds of land. The weights of all countries at a sample add up to 1.
 enum Country
 {
     COUNTRY_MEADOW,
@@ -25,10 +25,10 @@ enum Country
 struct Place
 {
     float x, z;   // centre
-    float radius; // of the houses; the fields reach three times as far
+    float radius; // of the area with houses; its fields reach three times as far
 };
 
-struct CoursePoint // of a line through the land
+struct CoursePoint // of a river, a track or another line through the land
 {
     float x, z;
     float level;     // height of the water there
@@ -48,7 +48,7 @@ struct Land
     Field fall;                 // 0 .. 1 white water, where a river or the cliff's brook drops
     std::vector<Field> country; // weights 0 .. 1, one field for each Country
     std::vector<Place> villages;
-    std::vector<Course> rivers; // downstream; each ends in the fjord or in another river
+    std::vector<Course> rivers; // points run downstream; each ends in the fjord or in a river
 
     int side() const
     {
@@ -68,11 +68,11 @@ struct Land
     }
 };
 
-// Grows the land of a seed. The side is 351 to 1501 samples, a multiple of 25 and one more. The
-// same seed and side give the same land on every machine.
+// Grows the land of a seed. The side is 351 to 1501 samples, a multiple of 25 plus 1. The same seed
+// and side give the same land on every machine.
 Land makeLand(uint32_t seed, int side);
 
-// A seed for noiseAt, fractal and scatter that differs from land to land and from use to use.
+// A seed for noiseAt, fractal and scatter. It is different for each land and each use.
 int noiseSeed(uint32_t landSeed, int use);
 
 template <typename T> Grid<T> asImage(const Grid<T> &land)

@@ -3,7 +3,7 @@
 
 #include "land.h"
 
-constexpr float LANDING_Z = 300; // the cube comes down about x = 0 and this z
+constexpr float LANDING_Z = 300; // the middle of the landing place is at x = 0 and this z
 
 struct Plan
 {
@@ -18,7 +18,7 @@ struct Plan
     {
         return float(sample) * SPACING - half();
     }
-    int toSample(float world) const // the sample before or at that place, on the land
+    int toSample(float world) const // rounded down, and clamped to the land
     {
         return std::clamp(int((world + half()) / SPACING), 0, side - 1);
     }
@@ -26,7 +26,7 @@ struct Plan
     {
         return Field(side, side, fill);
     }
-    // Noise of about -1..1 in waves of that many units; each use has a noise of its own.
+    // Noise of about -1..1 with waves of `wavelength` units. Each `use` gives other noise.
     float waves(float x, float z, float wavelength, int octaves, int use) const
     {
         return fractal(x / wavelength, z / wavelength, 0, octaves, 0.5f, noiseSeed(seed, use));
@@ -42,5 +42,6 @@ struct Point
     float x, z;
 };
 
-// Units from the way on which the cube falls and lands: x = 0, from the south to the landing place.
+// The distance in units from the landing way, over which the cube falls and lands: the line x = 0
+// from the south edge to z = 2 * LANDING_Z.
 float landingDistance(const Plan &plan, float x, float z);

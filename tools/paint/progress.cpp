@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <unistd.h>
 
-constexpr int LINE = 60; // characters of the line on a terminal that are written over
+constexpr int LINE = 60; // width of a stage's name on a terminal; covers the name before it
 
-static int stages;  // that are expected; 0 when nothing is shown
-static int started; // how many of them
+static int stages;  // number that is expected; 0 when nothing is shown
+static int started; // number that has been started
 static bool terminal;
 
 void showProgress(int expected)

@@ -2,11 +2,13 @@
 
 #include <array>
 
-constexpr float REGION_SIZE = 3600; // units; the land is divided into so large cells, about
-constexpr float OUTSKIRTS = 1300;   // units at each end of the land that no cell lies in
+constexpr float REGION_SIZE = 3600; // units; approximate side of the cells that divide the land
+constexpr float OUTSKIRTS = 1300;   // units at each edge of the land that the cells do not cover
 constexpr float BORDER = 500;       // units over which one country turns into the next
-constexpr float BORDER_SWAY = 700;
-constexpr float MEADOW_REACH[] = {900, 1800}; // from the way of landing; all meadow .. none
+constexpr float BORDER_SWAY = 700;  // units by which noise bends the borders, about
+// Distances from the landing way: land nearer than the first is all meadow. Beyond the second no
+// meadow is added.
+constexpr float MEADOW_REACH[] = {900, 1800};
 
 namespace
 {
@@ -19,13 +21,14 @@ struct Region
 struct Regions
 {
     int columns;
-    float size; // of a cell
+    float size; // units, the side of a cell
     std::vector<Region> cells;
 };
 using Weights = std::array<float, COUNTRIES>;
 } // namespace
 
-// The country that was used least so far and is not that of a neighbour; chance decides ties.
+// The country with the lowest cost. The cost grows with each cell that has the country already, and
+// more if the cell is a neighbour. Chance decides ties, a little against the meadow.
 static Country choose(const Plan &plan, const Regions &regions, int x, int z)
 {
     const int here = z * regions.columns + x;

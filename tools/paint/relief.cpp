@@ -3,22 +3,22 @@
 #include <libnoise/noise.h>
 
 constexpr float PLAIN_LEVEL = 112;
-constexpr float PLAIN_CALM = 0.6f;      // what remains of the waves at the landing place
-constexpr float LANDING_RISE = 16;      // keeps water away from the landing place
-constexpr float VALLEY[] = {450, 1100}; // from the way of landing: all valley .. none
-constexpr float SOFT_CEILING = 470;     // peaks above are pressed below HIGHEST
+constexpr float PLAIN_CALM = 0.6f; // factor on the height of waves at the landing place
+constexpr float LANDING_RISE = 16; // units that the landing place is raised, against water there
+constexpr float VALLEY[] = {450, 1100}; // distance from the landing way: all valley .. none
+constexpr float SOFT_CEILING = 470; // higher peaks are compressed so that they stay below HIGHEST
 constexpr float HIGHEST = 585;
 
-constexpr float PEAK_SPACING = 2100; // units, about
-constexpr float PEAK_SHARE = 0.75f;  // of the places for peaks that have one
-constexpr float LONGEST_LINK = 3300; // between two peaks of a range
-constexpr float SADDLE = 0.38f;      // part of the height that a range lacks between two peaks
-constexpr float COAST_GAP = 1900;    // from the end of the land to the nearest peak
-constexpr float PLAIN_GAP = 250;     // from the foot of a range to the way of landing
+constexpr float PEAK_SPACING = 2100; // units between peaks, about
+constexpr float PEAK_SHARE = 0.75f;  // share of the possible places that have a peak
+constexpr float LONGEST_LINK = 3300; // longest distance between linked peaks
+constexpr float SADDLE = 0.38f;      // share by which a crest is lower half-way between its peaks
+constexpr float COAST_GAP = 1900;    // from the edge of the land to the nearest peak
+constexpr float PLAIN_GAP = 250;     // from the foot of a range to the landing way
 
-constexpr float HOLLOW_SPACING = 3600; // of the hollows that lakes fill
+constexpr float HOLLOW_SPACING = 3600; // units between hollows, about; lakes fill them
 constexpr float HOLLOW_DEPTH = 90;
-constexpr float HOLLOW_GAP = 1500; // from the way of landing and from the end of the land
+constexpr float HOLLOW_GAP = 1500; // from the landing way and from the edge of the land
 
 namespace
 {
@@ -26,16 +26,16 @@ struct CountryShape // heights in units
 {
     float level;   // of the plain
     float swell;   // height of waves of 1300 units
-    float hummock; // of waves of a few cubes' length, felt when rolling
-    float fold;    // of ridges some hundred units apart, which stop shots
+    float hummock; // height of waves of 340 units, which the rolling cube follows
+    float fold;    // height of ridges some hundred units apart, which stop shots
     float terrace; // height of a step; 0: none
 };
 
 struct Range
 {
-    Box crest;       // a line; x, z of both ends
+    Box crest;       // a line, with z as the y of its ends
     float reach;     // from the crest to the foot
-    float height[2]; // of the ends, above the plain
+    float height[2]; // of the crest at its ends, above the plain
 };
 
 struct Peak
@@ -105,7 +105,7 @@ static Range rangeBetween(const Plan &plan, const Peak &a, const Peak &b)
             {a.height, b.height}};
 }
 
-// A peak without a neighbour ends in a spur.
+// A range from the peak to a random place near it, where it is half as high.
 static Range spurOf(const Plan &plan, const Peak &peak)
 {
     const float x = peak.x + 1300 * (plan.random(int(peak.x), int(peak.z), 6) - 0.5f);
@@ -113,8 +113,8 @@ static Range spurOf(const Plan &plan, const Peak &peak)
     return rangeBetween(plan, peak, {x, z, 0.5f * peak.height});
 }
 
-// Links each peak to its two nearest neighbours. A link that is made from both ends raises the same
-// crest twice, which changes nothing.
+// Links each peak to its two nearest neighbours and to a spur. Two peaks may be linked twice. The
+// two ranges are then equal, so the second changes nothing.
 static std::vector<Range> linkPeaks(const Plan &plan, const std::vector<Peak> &peaks)
 {
     std::vector<Range> ranges;
@@ -192,7 +192,7 @@ static float terraced(float height, float step)
     return step * (level + soft(0.5f, 1, height / step - level));
 }
 
-// The shape of the countries at a sample, by their weights.
+// The mean of the countries' shapes, weighted by their shares of the sample. The terrace is left 0.
 static CountryShape shapeAt(const std::vector<Field> &countries, int x, int z)
 {
     CountryShape sum = {};
@@ -228,7 +228,7 @@ static float openGround(const Plan &plan, const std::vector<Field> &countries, i
     return mix(height, terraced(height, SHAPES[COUNTRY_HIGHLAND].terrace), 0.85f * dry);
 }
 
-// What remains of anything that rises or sinks from the plain on the way of landing.
+// Factor on the heights of mountains and the depths of hollows: 0 near the landing way, 1 far away.
 static float closedness(const Plan &plan, float x, float z)
 {
     return soft(VALLEY[0], VALLEY[1], landingDistance(plan, x, z));

@@ -3,5 +3,6 @@
 
 #include "plan.h"
 
-// Heights of the bare ground, which leave the landing plain and the valley to it open.
+// Returns the heights of the bare ground. The landing place and the valley that leads to it have no
+// mountains.
 Field raiseGround(const Plan &plan, const std::vector<Field> &countries);

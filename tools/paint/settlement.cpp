@@ -4,24 +4,24 @@
 
 #include <queue>
 
-constexpr float VILLAGES = 7.0f / (501 * 501); // to a sample
+constexpr float VILLAGES = 7.0f / (501 * 501); // villages per sample of the land
 constexpr float VILLAGE_RADIUS[] = {150, 270};
-constexpr int SEARCH_STEP = 5;         // samples between the places looked at
-constexpr float COAST_GAP = 420;       // from a village to the fjord, at least
-constexpr float WATER_GAP = 260;       // to a river or lake
-constexpr float WALK_TO_WATER = 1000;  // at most, or the village is less wanted
-constexpr float SALT = 0.8f;           // how much less a village by the fjord is wanted
-constexpr float LANDING_GAP = 650;     // to where the cube comes down
-constexpr float GENTLE = 0.15f;        // slope of the ground under a village, at most
-constexpr float HIGHEST_VILLAGE = 330; // height
-constexpr float NEAREST_VILLAGE = 1750;
+constexpr int SEARCH_STEP = 5;          // samples between the places that are tried
+constexpr float COAST_GAP = 420;        // least distance from a village to the fjord
+constexpr float WATER_GAP = 260;        // least distance from a village to a river or lake
+constexpr float WALK_TO_WATER = 1000;   // units to water that make a walk of 1 in meritOf
+constexpr float SALT = 0.8f;            // what the nearness of the fjord adds to the walk
+constexpr float LANDING_GAP = 650;      // least distance from a village to the landing place
+constexpr float GENTLE = 0.15f;         // slope of the ground under a village, at most
+constexpr float HIGHEST_VILLAGE = 330;  // height above which there are none
+constexpr float NEAREST_VILLAGE = 1750; // distance between two; 0.7 of it where that gives too few
 
-constexpr int PACE = 3;         // samples between the places a walker goes through
-constexpr float STEEPNESS = 45; // cost of a slope's square, in lengths of level ground
+constexpr int PACE = 3; // samples between neighbouring places of a walk; more on large lands
+constexpr float STEEPNESS = 45; // a slope makes a step 1 + STEEPNESS * slope * slope times as dear
 constexpr float FORD = 350;     // cost of a step into a river, in units of level ground
-constexpr float SWIM = 5000;    // into a lake
-constexpr float WORN = 0.5f;    // share of the cost where there is a track already
-constexpr float DETOUR = 1.9f;  // along tracks; a village is linked directly beyond
+constexpr float SWIM = 5000;    // cost of a step into a lake
+constexpr float WORN = 0.5f;    // factor on the cost where there is a track already
+constexpr float DETOUR = 1.9f;  // times the cost of the direct way; a longer detour gets a link
 constexpr float TRACK_HALF_WIDTH = 15;
 
 namespace
@@ -56,7 +56,7 @@ static float roughness(const Field &height, int x, int z)
     return steepest;
 }
 
-// Above 0 where a village can be; the larger the better.
+// How well a village would be placed here. A village is possible only where the value is above 0.
 static float meritOf(const Plan &plan, const std::vector<Field> &countries, const Waters &waters,
                      const Field &height, int x, int z)
 {
@@ -102,7 +102,7 @@ static int isApart(const std::vector<Place> &villages, const Place &place, float
     return std::all_of(villages.begin(), villages.end(), isFar);
 }
 
-// Evens out the ground under the houses, but not the banks of a river.
+// Evens out the ground under the houses, but leaves the banks of rivers.
 static void levelGround(const Plan &plan, const Waters &waters, const Place &place, Field &height)
 {
     const float mean = height.at(plan.toSample(place.x), plan.toSample(place.z));
@@ -135,16 +135,16 @@ std::vector<Place> settle(const Plan &plan, const std::vector<Field> &countries,
 
 namespace
 {
-struct Walk // over a grid of places, PACE samples apart or more
+struct Walk // a coarser grid of the land, on which tracks are searched
 {
     const Plan &plan;
-    int pace, side;
-    Field toll; // cost of going through a place: a ford, or a lake
+    int pace, side; // samples between its places, places along a side
+    Field toll;     // cost that is added for each place in a river or a lake
     Field height;
-    Field wear; // factor of the cost
+    Field wear; // factor on the cost
 };
 
-struct Ways // from one place to all others
+struct Ways // the cheapest ways from one place to all others
 {
     std::vector<float> cost;
     std::vector<int> from;
@@ -229,7 +229,7 @@ static Ways findWays(const Walk &walk, int start) // Dijkstra's algorithm
     return ways;
 }
 
-// Makes the way cheaper for later walkers, and returns it.
+// Returns the way to the goal and makes it cheaper for the walkers after this one.
 static Course wear(Walk &walk, const Ways &ways, int goal)
 {
     Course track;
@@ -243,7 +243,7 @@ static Course wear(Walk &walk, const Ways &ways, int goal)
     return smoothed(smoothed(track, 2), 2);
 }
 
-using Costs = std::vector<std::vector<float>>; // of walking from village to village
+using Costs = std::vector<std::vector<float>>; // of a walk between each two villages
 
 static Costs costsBetween(const Walk &walk, const std::vector<Place> &villages)
 {
@@ -289,7 +289,7 @@ static std::vector<Link> spanningTree(const Costs &costs)
     return tree;
 }
 
-// What it costs to walk from village to village on the links alone.
+// The costs of walks that follow the links only: the Floyd-Warshall algorithm.
 static Costs costsAlong(const std::vector<Link> &links, const Costs &costs)
 {
     const size_t n = costs.size();
@@ -303,7 +303,8 @@ static Costs costsAlong(const std::vector<Link> &links, const Costs &costs)
     return along;
 }
 
-// Adds the link that saves the longest detour, as long as there is one of more than DETOUR.
+// Adds the link between the two villages with the longest detour, again and again. Stops when no
+// detour is longer than DETOUR, or after one link for every three villages.
 static void addShortCuts(std::vector<Link> &links, const Costs &costs)
 {
     for (size_t added = 0; added < costs.size() / 3; ++added)

@@ -3,11 +3,11 @@
 
 #include "water.h"
 
-// Chooses places that are dry, gentle and near water, and levels the ground there a little.
+// Chooses places for villages: dry, not steep and near water. Levels the ground there a little.
 std::vector<Place> settle(const Plan &plan, const std::vector<Field> &countries,
                           const Waters &waters, Field &height);
 
-// Leads tracks from village to village over the ways that cost a walker least.
+// Returns tracks that join all villages along the ways that cost a walker least.
 std::vector<Course> layTracks(const Plan &plan, const Waters &waters, const Field &height,
                               const std::vector<Place> &villages);
 

@@ -1,5 +1,5 @@
-// The sky box: one picture for all four walls. The ceiling shows its bottom left corner, which the
-// land hides on the walls.
+// The sky box: one picture for all four walls. The ceiling shows the bottom left corner of this
+// picture, because the land hides that corner on the walls.
 #include "painters.h"
 #include "progress.h"
 
@@ -20,7 +20,7 @@ constexpr Colour FOG = {39.0f / 255, 168.0f / 255, 221.0f / 255}; // the game's 
 // there, in hue and in lightness.
 constexpr Colour EDGE = hex(0x2BA3E4);
 constexpr Colour AZURE = hex(0x289DEC);
-constexpr Colour ZENITH = hex(0x1E74CC);     // hardly seen but on the ceiling
+constexpr Colour ZENITH = hex(0x1E74CC);     // visible almost only on the ceiling
 constexpr Colour HAZE_LIGHT = hex(0x54BCEC); // a paler band behind the far hills
 constexpr float HAZE_STRENGTH = 0.5f;
 // Sines of the elevation. Between the two of a pair, the first colour turns into the second.
@@ -32,7 +32,8 @@ constexpr Colour CLOUD_LIT = hex(0xFFFDF6);
 constexpr Colour CLOUD_SHADE = hex(0x8FB9DC);
 constexpr float CLOUD_SUN[] = {-0.45f, 0.75f, 0.48f}; // toward the sun: left, up, to the viewer
 constexpr float FLUFF = 0.30f; // how far noise moves the outline of a cloud, in radii of a puff
-// Units above the horizon: haze hides clouds below the first height, and none above the second.
+// Units above the horizon: haze is thickest over clouds below the first height and ends at the
+// second.
 constexpr float HAZE[] = {-6, 26};
 constexpr float VEIL = 0.24f; // strength of the thin high cloud
 
@@ -163,8 +164,8 @@ static float veil(float x, float y)
     return VEIL * soft(12, 40, y) * soft(TOP - 20, TOP - 60, y) * soft(-0.1f, 0.5f, thin);
 }
 
-// Clouds are placed by bearing and elevation. By place on the wall they would look wider toward the
-// corners of the box.
+// Clouds are placed by bearing and elevation. If they were placed by position on the wall, they
+// would look wider toward the corners of the box.
 static Colour wallColour(const std::vector<Cloud> &clouds, float wallX, float wallY)
 {
     const float tangent =

@@ -3,14 +3,15 @@
 constexpr int SWEEPS = 3;
 constexpr int SHARPENINGS = 10;
 
-// One running mean along a row, in either direction.
+// One running mean along a row. The step is 1 or -1, the direction.
 static void smoothRow(float *row, int count, int step)
 {
     for (int i = 1; i < count; ++i)
         row[i * step] = 0.5f * row[(i - 1) * step] + 0.5f * row[i * step];
 }
 
-// One running mean through whole rows at a time, which goes through memory in order.
+// One running mean along all columns. It advances by a whole row at a time, because that reads the
+// memory in order.
 static void smoothColumns(Field &height, int first, int step)
 {
     for (int i = 1; i < height.height; ++i)
@@ -32,7 +33,8 @@ void smoothAsTheGame(Field &height)
     }
 }
 
-// The smoothing would wash away ridges and gullies, so the map is exaggerated step by step.
+// The smoothing flattens ridges and gullies. Each step therefore adds to the map the difference
+// between the wanted heights and the smoothed ones.
 Field sharpened(const Field &wanted)
 {
     Field map = wanted;

@@ -1,4 +1,4 @@
-// smoothing.h - the game smooths a map when it loads it; the map makes up for that.
+// smoothing.h - the game smooths a map when it loads it. The map is exaggerated to allow for that.
 #pragma once
 
 #include "plan.h"
@@ -7,5 +7,5 @@
 // the four directions.
 void smoothAsTheGame(Field &height);
 
-// The heights of a map that the game's smoothing turns into nearly the heights wanted.
+// Returns the heights of a map from which the game's smoothing makes nearly the wanted heights.
 Field sharpened(const Field &wanted);

@@ -20,8 +20,9 @@ constexpr Colour LINK_LIGHT = hex(0xB4AA9A);
 constexpr Colour WARNING = hex(0xFF2A14);
 constexpr Colour GLOW = hex(0xFF6A30);
 
-constexpr Box ARMOUR = {0.5f, 0.5f, 15.5f,
-                        15.5f}; // half a unit larger than the part that is shown, against bleeding
+// Half a unit larger on each side than the part that is shown: the texture filter reads beyond that
+// part.
+constexpr Box ARMOUR = {0.5f, 0.5f, 15.5f, 15.5f};
 constexpr Box TOP = {15.5f, 0.5f, 31.5f, 19.5f};
 constexpr Box LINKS = {7.5f, 15.5f, 14.5f, 31.5f};
 constexpr Box TRACK_SIDE = {14.5f, 19.5f, 31.9f, 31.9f};
@@ -56,7 +57,7 @@ static void camouflage(Canvas &atlas, Box b, Colour base, int seed)
         }
 }
 
-// Every upright face of hull and turret shows this: a dark lower edge, and a glowing slit above.
+// The picture on every upright face of hull and turret: a dark lower edge and a glowing slit above.
 static void paintArmour(Canvas &atlas)
 {
     camouflage(atlas, ARMOUR, PAINT, 601);
@@ -145,7 +146,7 @@ static void paintTrackSide(Canvas &atlas)
     drawLine(atlas, {17.2f, 25.2f, 30.3f, 28.6f}, 0.12f, PAINT);
 }
 
-// On the upper side of the barrel the muzzle is up, on its flanks the muzzle is down.
+// The muzzle is up in the picture of the barrel's upper side, and down in that of its flanks.
 static void paintBarrel(Canvas &atlas)
 {
     fillBox(atlas, BARREL_TOP, STEEL);

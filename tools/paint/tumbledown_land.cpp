@@ -1,7 +1,7 @@
 // tumbledown-land - paints the eight images of a new land into a folder.
 //
-// Whatever is refused gets one line on standard error and status 2, before anything is written. A
-// failure while painting or writing gets one line and status 1.
+// If it refuses its arguments or the folder, it writes nothing, prints one line on standard error
+// and ends with status 2. If painting or writing fails, it prints one line and ends with status 1.
 #include "images.h"
 #include "land.h"
 #include "painters.h"
@@ -18,7 +18,7 @@
 #include <optional>
 #include <sys/stat.h>
 
-constexpr int STAGES = 12; // that the painters start when a land needs no mending
+constexpr int STAGES = 12; // stages of the painters when the land is grown only once
 
 constexpr int SMALLEST_SIDE = 351; // samples
 constexpr int LARGEST_SIDE = 1501;
@@ -34,10 +34,10 @@ constexpr char HELP[] =
     "Usage: tumbledown-land FOLDER [--seed N] [--side N] [--force]\n"
     "Paints the eight images of a new land for Tumbledown into the folder.\n"
     "\n"
-    "  --seed N   grow the land from this number, 0 to 4294967295. Without it the clock\n"
-    "             chooses one.\n"
-    "  --side N   samples along each side: %d to %d, a multiple of %d plus one. Without\n"
-    "             it %d. On a larger land people and tanks are farther apart.\n"
+    "  --seed N   grow the land from this number, 0 to 4294967295. By default it is taken\n"
+    "             from the clock.\n"
+    "  --side N   samples along each side: %d to %d, a multiple of %d plus one. The default\n"
+    "             is %d. On a larger land people and tanks are farther apart.\n"
     "  --force    replace images that are in the folder already\n"
     "  --help     show this text\n"
     "  --version  show the version\n";
@@ -81,7 +81,7 @@ static int complain(const std::string &fault, int status)
     exit(complain(fault, REFUSED));
 }
 
-static std::optional<uint32_t> numberIn(const std::string &text) // digits and nothing else
+static std::optional<uint32_t> numberIn(const std::string &text) // accepts digits only
 {
     uint32_t number = 0;
     const char *end = text.data() + text.size();
@@ -114,7 +114,8 @@ static uint32_t seedFromClock()
     return uint32_t(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
-// argv holds the word that getopt_long has just refused, unless that is an option of one letter.
+// getopt_long has just refused a word. If it was an option of one letter, optopt is that letter.
+// Otherwise the word is the last that was read from argv.
 [[noreturn]] static void refuseOption(int result, char **argv)
 {
     const bool letter = optopt > OPTION_VERSION;
@@ -156,7 +157,8 @@ static Order readArguments(int argc, char **argv)
     return order;
 }
 
-// An image of one of the names is replaced only by --force, and only if it is a file.
+// Refuses a folder that has one of the images already. With --force, an image that is a file may be
+// replaced.
 static void refuseImagesThere(const Order &order)
 {
     for (const char *name : IMAGES)
@@ -187,7 +189,7 @@ static Images paint(const Order &order)
     return images;
 }
 
-// The text as a shell reads it back as one word that is no option.
+// Quotes a text so that a shell takes it as one word, and a program does not take it as an option.
 static std::string quoted(const std::string &text)
 {
     std::string word = text[0] == '-' ? "./" + text : text;
@@ -220,7 +222,7 @@ static int run(const Order &order)
 
 int main(int argc, char **argv)
 {
-    signal(SIGXFSZ, SIG_IGN); // a file that may not grow on is then reported like a full disk
+    signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of file sizes then fails and is reported
     const Order order = readArguments(argc, argv);
     try
     {

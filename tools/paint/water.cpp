@@ -3,34 +3,35 @@
 #include "coast.h"
 #include "drainage.h"
 
-constexpr float RIVER_BED = 16;        // depth of a river's water below the banks
-constexpr float RIVER_HALF_WIDTH = 20; // at the source
-constexpr float RIVER_WIDENING = 18;   // and as much more where it carries FULL_FLOW
-constexpr float FULL_FLOW = 40000;     // samples that drain to it
-constexpr float SOURCE_FLOW = 3200;    // what a river starts with
+constexpr float RIVER_BED = 16;        // depth of a river below its banks
+constexpr float RIVER_HALF_WIDTH = 20; // half of a river's width at its source
+constexpr float RIVER_WIDENING = 18;   // added to it where the river carries FULL_FLOW
+constexpr float FULL_FLOW = 40000;     // samples that drain to the river there
+constexpr float SOURCE_FLOW = 3200;    // flow at which a river begins
 constexpr int SHORTEST_RIVER = 36;     // samples
-constexpr float MOUTH = 40;            // units that a river's arm runs on in the fjord
-constexpr size_t SHORTEST_ARM = 24;    // samples, of the arms in a delta
+constexpr float MOUTH = 40;            // units by which a river's arm extends into the fjord
+constexpr size_t SHORTEST_ARM = 24;    // samples, length of an arm in a delta
 constexpr float RIVER_BANK = 190;      // from the water to where the valley floor is level again
 constexpr float MEANDER = 110;         // sway of rivers that have hardly any fall
 constexpr float WHITE_WATER[] = {0.25f, 0.42f}; // slope of the course: none .. all white
-constexpr float SHORE_RISE = 0.16f;             // slope of the ground about a lake
-constexpr float STEEP_RISE = 0.66f;             // and where mountains meet the fjord
+constexpr float SHORE_RISE = 0.16f;             // slope of the ground around a lake
+constexpr float STEEP_RISE = 0.66f;             // slope where mountains meet the fjord
 constexpr int SMALLEST_LAKE = 90;               // samples
-constexpr float SHALLOWEST_LAKE = 12;           // depth below the way out, at the deepest place
-constexpr int LARGEST_LAKE = 2600; // samples; the way out of a larger one is cut deeper
-constexpr float CUTS[] = {42, 28, 15, 6,
-                          2};      // depth below the way out that a large lake keeps, in turn
-constexpr float CUT_SLOPE = 0.42f; // of the sides of such a cut
-constexpr float CUT_REACH = 700;
-constexpr float LAKE_DEPTH = 3;     // what lies so far below the way out belongs to the lake
+constexpr float SHALLOWEST_LAKE = 12;           // depth below the outlet, at the deepest place
+constexpr int LARGEST_LAKE = 2600; // samples; the outlet of a larger lake is cut deeper
+// Depth of the water that a cut leaves in a too large lake. While a lake is too large, the next
+// depth is tried.
+constexpr float CUTS[] = {42, 28, 15, 6, 2};
+constexpr float CUT_SLOPE = 0.42f;  // slope of the sides of a cut
+constexpr float CUT_REACH = 700;    // units from a cut within which the ground is lowered
+constexpr float LAKE_DEPTH = 3;     // a sample this far below the outlet belongs to the lake
 constexpr float LAKE_FLOW = 1500;   // lakes with less water dry up
-constexpr float SLIGHT_RISE = 1.5f; // of a river's ground; nobody sees that it runs uphill
-constexpr float DEEPENING = 1.2f;   // what a bed is lowered for each unit of such a rise
-constexpr float FAR_SHORE = 2000;
-constexpr float LANDING_WALL = 90; // height, for the streams alone
+constexpr float SLIGHT_RISE = 1.5f; // units by which a river can run uphill without being noticed
+constexpr float DEEPENING = 1.2f;   // units by which a bed is lowered for each unit that it rises
+constexpr float FAR_SHORE = 2000;   // distance where no water is known
+constexpr float LANDING_WALL = 90;  // height of the imaginary wall in roughened
 
-// Rain falls most on the mountains and in the snow, and hardly any on the dry highland.
+// More rain falls on higher ground, and less on the dry highland.
 static Field rainOn(const std::vector<Field> &countries, const Field &height)
 {
     Field rain = height;
@@ -46,7 +47,7 @@ static float shoreRise(float distance, float steepness)
            square(distance / mix(55, 35, steepness));
 }
 
-// Slopes the land to the fjord and fills the fjord; the ponds of the marsh are as low.
+// Slopes the land to the fjord. Fills the fjord, and ponds in the marsh to the same level.
 static Grid<char> meetFjord(const Plan &plan, const std::vector<Field> &countries, Field &height,
                             Field &standing)
 {
@@ -70,7 +71,7 @@ static Grid<char> meetFjord(const Plan &plan, const std::vector<Field> &countrie
     return sea;
 }
 
-// The samples of the hollow about one of them.
+// The samples of the hollow that `first` belongs to.
 static std::vector<int> hollowAbout(const Field &depth, const Field &level, int first,
                                     std::vector<char> &isSeen)
 {
@@ -79,7 +80,7 @@ static std::vector<int> hollowAbout(const Field &depth, const Field &level, int 
     for (size_t i = 0; i < found.size(); ++i)
         for (const int step : {-1, 1, -depth.width, depth.width})
         {
-            const int next = found[i] + step; // hollows never reach the end of the land
+            const int next = found[i] + step; // inside the land: hollows never reach its edge
             if (isSeen[size_t(next)] || depth.cells[size_t(next)] < LAKE_DEPTH ||
                 level.cells[size_t(next)] != level.cells[size_t(first)])
                 continue;
@@ -89,7 +90,7 @@ static std::vector<int> hollowAbout(const Field &depth, const Field &level, int 
     return found;
 }
 
-using Hollow = std::vector<int>; // its samples; the first one is where water runs out
+using Hollow = std::vector<int>; // its samples; the first one is at the outlet
 
 static std::vector<Hollow> findHollows(const Drainage &drainage, const Field &height)
 {
@@ -111,7 +112,7 @@ static int bottomOf(const Hollow &hollow, const Field &height)
     return *std::min_element(hollow.begin(), hollow.end(), isLower);
 }
 
-// The line of a cut that drains a hollow down to so many units above its bottom.
+// The line of a cut that drains a hollow until the water is `depth` units deep.
 static Course cutThrough(const Plan &plan, const Drainage &drainage, const Field &height,
                          int bottom, float depth)
 {
@@ -156,7 +157,7 @@ static int isLake(const Hollow &hollow, const Drainage &drainage, const Field &h
            drainage.flow.cells[size_t(hollow[0])] >= LAKE_FLOW;
 }
 
-// Deep hollows through which much water comes are lakes.
+// Makes lakes of the deep hollows through which much water flows.
 static void fillLakes(const Drainage &drainage, const Field &height, Field &standing)
 {
     for (const Hollow &hollow : findHollows(drainage, height))
@@ -171,10 +172,10 @@ static void fillLakes(const Drainage &drainage, const Field &height, Field &stan
 
 namespace
 {
-struct Streams // what is a river, sample by sample
+struct Streams // the way of the water, sample by sample
 {
-    std::vector<int> above;  // the next sample upstream along the longest way, or -1
-    std::vector<int> length; // samples to the source that way, 0 where there is no river
+    std::vector<int> above;  // the next sample on the longest way upstream, or -1
+    std::vector<int> length; // samples to the source on that way, 0 where no stream is
 };
 } // namespace
 
@@ -197,7 +198,7 @@ static Streams findStreams(const Drainage &drainage)
     return streams;
 }
 
-// From the source down to the sample and to the one below it.
+// The course from the source to the mouth, and to the next sample below the mouth.
 static Course courseTo(const Plan &plan, const Drainage &drainage, const Streams &streams,
                        int mouth)
 {
@@ -214,7 +215,7 @@ static Course courseTo(const Plan &plan, const Drainage &drainage, const Streams
     return course;
 }
 
-// Where the land is flat, rivers wind.
+// Bends a river where the land is flat. Its ends stay where they are.
 static void meander(const Plan &plan, Course &course)
 {
     const int last = int(course.size()) - 1;
@@ -231,7 +232,8 @@ static void meander(const Plan &plan, Course &course)
     }
 }
 
-// Lowers the banks' level to that of the water, which falls all the way.
+// Changes the levels of the course from the banks to the bed. The bed never rises downstream and is
+// nowhere below the mouth.
 static void digBed(Course &course, float mouthLevel)
 {
     float level = HEIGHT_RANGE;
@@ -260,7 +262,7 @@ static Course shapeRiver(const Plan &plan, const Course &raw, const Course *into
     return course;
 }
 
-// Long streams come before those that run into them.
+// Each river comes before those that flow into it.
 static std::vector<Course> traceRivers(const Plan &plan, const Drainage &drainage,
                                        const Grid<char> &sea)
 {
@@ -282,7 +284,8 @@ static std::vector<Course> traceRivers(const Plan &plan, const Drainage &drainag
     return rivers;
 }
 
-// An arm of a river that leaves it at one of its points and drifts so far aside by its mouth.
+// An arm that leaves the river at its point `first`. At the mouth, the arm is about 0.8 * drift
+// units to the side of the river.
 static Course armOf(const Course &river, size_t first, float drift)
 {
     Course arm;
@@ -306,7 +309,7 @@ static int isInMarsh(const Plan &plan, const std::vector<Field> &countries, cons
     return countries[COUNTRY_MARSH].at(plan.toSample(p.x), plan.toSample(p.z)) > 0.5f;
 }
 
-// As far as it runs through marsh, and to the fjord; empty when it does not come there.
+// The arm, cut off in the fjord. Empty if the arm leaves the marsh before it reaches the fjord.
 static Course armToFjord(const Plan &plan, const std::vector<Field> &countries, const Course &arm)
 {
     Course result;
@@ -321,7 +324,7 @@ static Course armToFjord(const Plan &plan, const std::vector<Field> &countries, 
     return {};
 }
 
-// Where a river comes to the fjord through marsh, it splits up.
+// Adds arms to the rivers that reach the fjord through marsh.
 static void splitRivers(const Plan &plan, const std::vector<Field> &countries,
                         std::vector<Course> &rivers)
 {
@@ -346,10 +349,10 @@ static void splitRivers(const Plan &plan, const std::vector<Field> &countries,
 
 namespace
 {
-struct NearestWater // in sweeps over the grid: each sample asks its neighbours for theirs
+struct NearestWater // found in sweeps: each sample takes over the best of its neighbours
 {
     const Plan &plan;
-    std::vector<int> cell; // -1: none known yet
+    std::vector<int> cell; // the nearest water of each sample; -1: none is known yet
 
     float distance(int x, int z, int to) const
     {
@@ -365,7 +368,7 @@ struct NearestWater // in sweeps over the grid: each sample asks its neighbours 
         if (distance(x, z, theirs) < distance(x, z, mine))
             mine = theirs;
     }
-    void sweep(int step) // 1 up or -1 down
+    void sweep(int step) // 1 to sweep up, -1 to sweep down
     {
         const int start = step > 0 ? 0 : plan.side - 1;
         for (int z = start; z >= 0 && z < plan.side; z += step)
@@ -417,7 +420,7 @@ static void carve(const Plan &plan, const Waters &waters, Field &height)
         }
 }
 
-// Ponds of the marsh are as low as the fjord, so none can lie beside a river that is higher.
+// Ponds of the marsh have the level of the fjord. Those beside a higher river are removed.
 static void drainPonds(const Nearby &river, const Grid<char> &sea, Field &standing)
 {
     for (size_t i = 0; i < standing.cells.size(); ++i)
@@ -426,8 +429,8 @@ static void drainPonds(const Nearby &river, const Grid<char> &sea, Field &standi
             standing.cells[i] = 0;
 }
 
-// Slight waves keep streams from running straight over even ground, and a wall that is not there
-// leads them around the landing place.
+// Returns the heights by which the way of the streams is found. Slight waves make the streams bend
+// on even ground. An imaginary wall leads them around the landing place.
 static Field roughened(const Plan &plan, const Field &height)
 {
     Field rough = height;
@@ -444,7 +447,7 @@ static Field roughened(const Plan &plan, const Field &height)
     return rough;
 }
 
-// Drains the land, and cuts deeper ways out of the hollows that would make too large lakes.
+// Drains the land. Cuts deeper outlets for hollows that would become too large lakes.
 static Drainage drainWell(const Plan &plan, const Grid<char> &sea, const Field &rain, Field &height,
                           Field &rough)
 {
@@ -481,7 +484,7 @@ Waters layWater(const Plan &plan, const std::vector<Field> &countries, Field &he
     return waters;
 }
 
-// The course with what each point rises above the lowest one upstream as its level.
+// A copy of the river. The level of each point is its height above the lowest ground upstream.
 static Course risesOf(const Course &river, const Field &height)
 {
     Course rises = river;
@@ -536,7 +539,7 @@ static float slopeOf(const Course &course, size_t i)
 
 Field riverFalls(const Plan &plan, const Waters &waters)
 {
-    std::vector<Course> steepness = waters.rivers; // with the slope in place of the height
+    std::vector<Course> steepness = waters.rivers; // copies whose levels are slopes
     for (size_t k = 0; k < steepness.size(); ++k)
         for (size_t i = 0; i < steepness[k].size(); ++i)
             steepness[k][i].level = slopeOf(waters.rivers[k], i);

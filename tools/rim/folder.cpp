@@ -81,7 +81,7 @@ void complain(const char *about, const char *fault)
     return 1;
 }
 
-// Returns 0 when it was read, else 1 after a complaint.
+// Returns 0 when the header was read, else 1 after a complaint.
 static int readHeader(const char *file, ImageHeader *header)
 {
     struct stat info;
@@ -134,7 +134,7 @@ static int judgeDepth(const char *file, Use use, int depth)
     return 0;
 }
 
-// Whether the file has as many pixels as it announces, and they begin where the game expects them.
+// Judges whether the file has as many pixels as its header says, where the game expects them.
 static int judgePixels(const char *file, const ImageHeader &header)
 {
     if (header.width < 1 || header.height < 1)
@@ -163,7 +163,7 @@ static int judgeImage(const ImageFile &file, ImageHeader *header)
     return judgeDepth(file.name, file.use, header->depth) | judgePixels(file.name, *header);
 }
 
-// Of a picture with alpha the game takes the alpha for the heights: an opaque one has no hills.
+// If the map has alpha, the game uses the alpha as heights. An opaque map thus has no hills.
 static int judgeAlpha()
 {
     TgaImage *image = tgaLoad(MAP);
@@ -192,7 +192,7 @@ static int judgeSizes(const ImageHeader &heights, const ImageHeader &colours)
                         heights.width, BLOCK_SIDE);
     if (colours.width != heights.width || colours.height != heights.height)
         faults += fault("MapTex.tga",
-                        "it is %d x %d pixels, but Map.tga %d x %d; give both the "
+                        "it is %d x %d pixels, but Map.tga is %d x %d; give both the "
                         "same size",
                         colours.width, colours.height, heights.width, heights.height);
     return faults;

@@ -13,7 +13,7 @@ void complain(const char *about,
 // and what mends it. Returns how many faults there are.
 int openFolder(const char *folder);
 
-// Print a line that says whether a measured value is good, and after a bad one what mends the land.
-// Return whether the value is good.
+// Print a line that says whether a measured value is good. If it is bad, a second line says how to
+// mend the land. Return whether the value is good.
 bool isAtMost(const char *what, int value, int bound, const char *remedy);
 bool isAtLeast(const char *what, double value, double bound, const char *unit, const char *remedy);

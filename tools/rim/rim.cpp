@@ -1,10 +1,11 @@
-// rim - tells whether the edge of a land keeps the cube in, and whether the cube gets stuck there:
-// rolls the cube over the land in a folder, without a display, in 32 directions or from 32 places,
-// at several sizes and step lengths, for two minutes each.
+// rim - tells whether the edge of a land keeps the cube in, and whether the cube gets stuck there.
+// Without a display, rim rolls the cube over the land in a folder: in 32 directions and from 32
+// places, at several sizes and step lengths, for two minutes each.
 //
 //     build/check/tools/rim/rim data
 //
-// The cube keeps its mass of the start: growing adds less than a thousandth to it.
+// A cube of any size has the mass of a new cube here. In the game, growing adds less than a
+// thousandth to the mass.
 #include "cube.h"
 #include "driver.h"
 #include "folder.h"
@@ -21,18 +22,18 @@
 constexpr int WAYS = 32;              // directions from the middle, or places near the edge
 constexpr int STEPS[] = {10, 20, 33}; // milliseconds
 constexpr float SECONDS = 120;        // of each run
-constexpr float RIM = 70 * 25; // units from the edge; people turn back at 2000, so few live nearer
+constexpr float RIM = 70 * 25; // units from the edge; people turn back at 2000, so few come here
 
 // The largest numbers of runs with which a land is still good to play on: 384 runs start in the
 // middle, 288 of them with cubes below the largest size, and 384 start near the edge.
 constexpr int MOST_LEAVE = 46, MOST_LEAVE_SMALL = 12, MOST_TRAPPED = 8;
 
-constexpr char MEND_SIDE[] = "Give the maps a side of a multiple of 25 and one more, such as 501, "
+constexpr char MEND_SIDE[] = "Make the side of the maps a multiple of 25 plus one, such as 501, "
                              "751 or 1001 pixels.";
 constexpr char MEND_CLIFF[] = "Put a cliff around the land that rises from 0 to 255 in one pixel, "
                               "24 pixels from the edges, with at least 12 flat pixels before it.";
-constexpr char MEND_BRINK[] = "Straighten narrow bays and zigzags of the cliff, which are ramps, "
-                              "round its corners off, and raise its brink where it is low.";
+constexpr char MEND_BRINK[] = "Straighten narrow bays and zigzags of the cliff, because they are "
+                              "ramps. Round its corners off. Raise its upper edge where it is low.";
 constexpr char MEND_TRAPS[] = "Take away what keeps the cube from coming back within 70 pixels of "
                               "the edges: a second cliff, a pit or a ledge.";
 

@@ -14,14 +14,14 @@
 constexpr float WEAVE_SECONDS = 1;  // to one side before the player turns to the other
 constexpr float REACTION = 0.2f;    // seconds between two decisions
 constexpr int HEADINGS = 24;        // among which a player chooses
-constexpr double TOLERANCE = 10;    // degrees off the chosen heading without a key to the side
+constexpr double TOLERANCE = 10;    // degrees off the heading within which a player does not turn
 constexpr float CROWD_REACH = 1500; // units within which a player looks for people
 constexpr float CLOSE = 200;        // units; keeps the attraction of the nearest person finite
-constexpr double LOOK_STEP = 0.5;   // seconds between the places at which a player expects to be
+constexpr double LOOK_STEP = 0.5;   // seconds between the places where a player expects to be
 constexpr double FORESIGHT = 4;     // seconds until the last of these places
 constexpr double SLOWEST = 150;     // units/s that a player expects to reach at least
-constexpr double DREADED = 700;     // units; the firing range of a tank and a margin
-constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // of a tank that the player would crush
+constexpr double DREADED = 700;     // units; the firing range of a tank and 200 to spare
+constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // units and degrees; see isPrey
 
 // A heading is worth the attraction of the people there, less the turn in degrees times TURNING and
 // the danger times FEAR. The lives hardly change when FEAR is three times as large.
@@ -92,16 +92,16 @@ static void lookForPeople(double *attraction)
                 addAttraction(node->person.position, attraction);
 }
 
-// Whether the tank is so near in front that it can hardly be avoided. A crushed tank makes the cube
-// grow.
+// Whether the tank is so near in front that it can hardly be avoided. The player crushes it, which
+// makes the cube grow.
 static bool isPrey(Vector tank)
 {
     return distanceTo(tank) < PREY_DISTANCE &&
            std::fabs(turnTo(findDirection(cb.position, tank))) < PREY_ANGLE;
 }
 
-// The tanks around that the fog does not hide, as offsets from the cube: the player has looked
-// around and remembers those behind.
+// The tanks that the fog does not hide, as offsets from the cube. Tanks behind the player are among
+// them, because a player looks around and remembers them.
 static std::vector<Vector> lookForTanks()
 {
     std::vector<Vector> offsets;
@@ -111,7 +111,8 @@ static std::vector<Vector> lookForTanks()
     return offsets;
 }
 
-// How near the cube will come to tanks along a heading: each tank adds up to 1 at each place.
+// How near the cube will come to tanks along a heading. Each tank adds up to 1 for each place where
+// the player expects to be.
 static double danger(const std::vector<Vector> &tanks, double heading)
 {
     const double speed = std::max<double>(pithag(cb.velocity.x, cb.velocity.z), SLOWEST);

@@ -1,4 +1,4 @@
-// player.h - five ways of playing: each looks at the game's world and holds down keys. The players
+// player.h - five ways of playing. Each looks at the game's world and holds down keys. The players
 // remember their decisions in globals, so a process can play only one game.
 #pragma once
 
@@ -8,8 +8,8 @@ struct Way
 {
     const char *name;
     void (*holdKeys)(float seconds, uint8_t *held); // seconds since the game was started
-    float leastMedian;  // seconds of the median life on a land that is good to learn on; 0: any
-    const char *remedy; // what helps a land on which the median is shorter; null without a bound
+    float leastMedian; // seconds of the median life on a land that is good to learn on; 0: no bound
+    const char *remedy; // how to mend a land where the median is shorter; null if there is no bound
 };
 
 constexpr int WAY_COUNT = 5;

@@ -1,5 +1,5 @@
-// ways - tells how long a player lives on the land in a folder: plays it in five ways, without a
-// display, and prints the lives from the landing of the cube to the end of the game.
+// ways - tells how long a player lives on the land in a folder. It plays the game in five ways,
+// without a display, and prints the times from the landing of the cube to the end of the game.
 //
 //     build/check/tools/ways/ways data [GAMES [SEED]]
 //
@@ -24,13 +24,13 @@
 #include <unistd.h>
 #include <vector>
 
-// With other seeds the median of 16 games was up to a third longer or shorter: a life of care 47 s
-// with the first 16 seeds and 34 s with the next, on the same land.
+// The median of 16 games changes by up to a third with the seeds. On one land the careful player
+// lived 47 s with the first 16 seeds and 34 s with the next 16.
 constexpr int DEFAULT_GAMES = 16, MOST_GAMES = 1000, MOST_SEED = 1000000;
 constexpr uint32_t STEP = 33;       // milliseconds
 constexpr float LONGEST_LIFE = 180; // seconds after which a game is broken off
 constexpr float LONGEST_FALL = 60;  // seconds within which the cube lands
-constexpr float CARE_PAYS = 2;      // times the life of one who stands still
+constexpr float CARE_PAYS = 2; // least ratio of the careful player's life to that of an idle one
 
 namespace
 {
@@ -83,7 +83,8 @@ static bool isOffTheLand()
     return mod(cb.position.x) > ter.worldWidth / 2 || mod(cb.position.z) > ter.worldDepth / 2;
 }
 
-// Plays a whole frame: drawing changes the world, too. It ends the shots that reach the ground.
+// Plays a whole frame with its drawing, because drawing changes the world, too: drawShots removes
+// the shots that have reached the ground.
 static void playFrame(const Way &way)
 {
     memset(held, 0, sizeof(held));
@@ -121,8 +122,8 @@ static bool awaitGame(int *running)
     return status == 0;
 }
 
-// Plays each game in a child process, which starts with the land as the parent loaded it, and as
-// many of them at a time as there are processors. Returns whether no game crashed.
+// Plays each game in a child process, which starts with the land that the parent has loaded. As
+// many games run at a time as there are processors. Returns whether no game crashed.
 static bool playAll(Life *lives, int games, unsigned seed)
 {
     const int most = std::max(1, static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)));
@@ -215,7 +216,7 @@ static bool judgeFolder(const char *folder, int games, unsigned seed)
     return judge(static_cast<Life *>(lives), games);
 }
 
-// The number, or -1 when the text is none from 1 to most.
+// Returns the number in the text, or -1 if the text is no number from 1 to `most`.
 static int parse(const char *text, int most)
 {
     char *end = nullptr;

@@ -53,7 +53,7 @@ TEST_F(World, SmoothingHalvesASpikeWithEachSampleOfDistance)
     for (const auto &row : rows)
     {
         ter.map[row.x][row.z] = 900;
-        smoothSelectedArea(&ter, -3, 999, -2, 999); // it is cut to the grid
+        smoothSelectedArea(&ter, -3, 999, -2, 999); // only the grid itself is smoothed
         for (int x = 0; x < 210; ++x)
             for (int z = 0; z < 190; ++z)
                 ASSERT_NEAR(std::exchange(ter.map[x][z], 0),

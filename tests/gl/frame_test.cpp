@@ -20,7 +20,7 @@ enum Thing // in a frame, besides the land, the sky and the cube; the values can
 constexpr int PATCH = 16;  // samples along the side of a patch of one colour
 constexpr int REPEAT = 20; // samples after which the texture of the ground repeats
 
-struct Spot // on a surface that is lit
+struct Spot // a point on a surface that is lit
 {
     std::string name;
     Vector at, normal, colour, texel; // colours from 0 to 1
@@ -75,7 +75,7 @@ struct Frame : Scene
         SHADOW = things & SHADE ? 1 : 0;
     }
 
-    // Draws a frame and then sets the matrices of the frame, which the tests compute by themselves.
+    // Draws a frame. Then sets the matrices that the frame should have used, for later projections.
     Picture show(int things)
     {
         setOut(things);
@@ -93,7 +93,7 @@ struct Frame : Scene
         return look();
     }
 
-    // Nothing that the last frame drew hides the point.
+    // Returns whether the point is on the screen and nothing in the last frame hides it.
     static bool isInFront(Vector point)
     {
         const Vector at = project(point);
@@ -101,8 +101,8 @@ struct Frame : Scene
             return false;
         float depth;
         glReadPixels(int(at.x), int(at.y), 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
-        return std::fabs((1 - at.z) / (1 - depth) - 1) <
-               0.01; // the distances differ by less than 1 %
+        const float ratio = (1 - at.z) / (1 - depth); // of the distances from the eye
+        return std::fabs(ratio - 1) < 0.01;
     }
 
     // The colour that OpenGL's lighting, texture and fog give to a spot.
@@ -143,8 +143,8 @@ struct Frame : Scene
         return vectorAdd(matrixVectorMultiply(tilt, matrixVectorMultiply(turn, model)), foot);
     }
 
-    // Looks from four sides, in thick and in thin fog, at the spots that nothing hides. Each spot
-    // has to be seen at least once.
+    // Looks from four sides, in thick and in thin fog, and compares the colours of the spots that
+    // nothing hides. Some spot of each name must be seen.
     void expectLit(const std::vector<Spot> &spots)
     {
         for (const Vector from : {eye, {-380, -60, 460}, {200, 60, -560}, {-500, 40, -300}})
@@ -193,7 +193,7 @@ static bool isWithin(int sample, int period, int first, int last)
     return first <= sample % period && sample % period <= last;
 }
 
-// Around the sample OpenGL mixes neither the colours of two patches nor two repeats of the texture.
+// Near such a sample only one patch and one repeat of the texture give the colour of a pixel.
 static bool isInsideOneColour(int x, int z)
 {
     return isWithin(x, PATCH, 2, 13) && isWithin(z, PATCH, 2, 13) && isWithin(x, REPEAT, 2, 19) &&
@@ -245,7 +245,7 @@ TEST_F(Frame, TankIsLitAndTexturedAndItsTurretFacesTheCube)
         {"barrel", {2.3f, 3.673f, 0.2f}, {0, 1, 0}, 2.5f, 29.4f, true},
         {"barrel's right side", {2.35f, 3.55f, -0.4f}, {0, 0, -1}, 4.2f, 20.2f, true},
     };
-    show(TANK); // it puts the tank on the ground
+    show(TANK); // a drawn tank is put on the ground
     const Vector foot = tank->tank.position;
     std::vector<Spot> spots;
     for (const auto &part : parts)
@@ -259,9 +259,9 @@ TEST_F(Frame, TankIsLitAndTexturedAndItsTurretFacesTheCube)
     expectLit(spots);
 }
 
-TEST_F(Frame, LandIsLitTexturedAndColouredAlsoInADent)
+TEST_F(Frame, LandIsLitAndTexturedAndColouredEvenInADent)
 {
-    show(TANK); // it puts the tank on the ground
+    show(TANK); // a drawn tank is put on the ground
     const Vector dent = vectorAdd(cube, {-300, 0, -100}), foot = tank->tank.position;
     deformTerrain(&ter, dent, -2000, DEFORM_DENT);
     std::vector<Spot> spots;
@@ -286,16 +286,16 @@ TEST_F(Frame, LandIsLitTexturedAndColouredAlsoInADent)
     EXPECT_GT(sightings["land"], 600);
 }
 
-TEST_F(Frame, PersonIsBlackInTheFog)
+TEST_F(Frame, PersonIsBlackMixedWithTheFog)
 {
     show(PERSON);
     const Person &walker = person->person;
     const Vector chest = place({1, 10, 0}, walker.direction, walker.position, false);
     expectLit({{"person", chest, {0, 1, 0}, {0, 0, 0}, {0, 0, 0}, 1}});
-    EXPECT_EQ(sightings["person"], 8) << "it is hidden from one side";
+    EXPECT_EQ(sightings["person"], 8) << "the person is hidden in some of the eight pictures";
 }
 
-TEST_F(Frame, DentDeletesTheListsOfItsBlocks)
+TEST_F(Frame, DentDeletesTheDisplayListOfItsBlock)
 {
     show(0);
     const uint32_t list = ter.displayLists[6][4];
@@ -304,13 +304,13 @@ TEST_F(Frame, DentDeletesTheListsOfItsBlocks)
     EXPECT_FALSE(glIsList(list));
 }
 
-TEST_F(Frame, ThingsChangeNoPixelsButTheirOwn)
+TEST_F(Frame, EachThingChangesOnlyThePixelsThatItCovers)
 {
     const Picture bare = show(0);
     const std::map<Thing, Picture> alone = {
         {PERSON, show(PERSON)}, {TANK, show(TANK)}, {SHOT, show(SHOT)}, {SHADE, show(SHADE)}};
     const Picture all = show(PERSON + TANK + SHOT + SHADE);
-    EXPECT_TRUE(show(0) == bare) << "something of them is still seen";
+    EXPECT_TRUE(show(0) == bare) << "a thing of an earlier frame is still seen";
     const Vector middle = project(cube);
     int wrong = 0, shaded = 0;
     for (int i = 0; i < WIDTH * HEIGHT; ++i)
@@ -344,7 +344,7 @@ TEST_F(Frame, ShotGlowsAtItsHeadAndLetsTheBackgroundThroughAtItsTail)
         const float head = (model.x / 3 + 12) / 16; // share of the colour of the head
         const float tail = 1 - head;                // of the tail, whose alpha is 0
         const Rgb behind = seen(bare, at);
-        // The glow is 1, 0.8, 0.4 at the head and 0.5, 0, 0 at the tail; light adds 0.3 of it.
+        // The head glows in 1, 0.8, 0.4 and the tail in 0.5, 0, 0. Ambient light adds 0.3 of that.
         const Rgb glow = {uint8_t(255 * head + std::min(166.0f + behind[0], 255.0f) * tail),
                           uint8_t(255 * head + behind[1] * tail),
                           uint8_t(133 * head + behind[2] * tail)};
@@ -399,13 +399,13 @@ TEST_F(Frame, ShadowFallsStraightDownBelowTheCube)
         }
         EXPECT_GT(inside, 100);
     }
-    eye = {20, -150, 30}; // inside the shadow; the corners of the picture show ground outside of it
+    eye = {20, -150, 30}; // inside the shadow; the corners of the picture show unshaded ground
     const Picture bare = show(0), shade = show(SHADE);
     for (int corner : {5, WIDTH - 5, (HEIGHT - 5) * WIDTH + 5, HEIGHT * WIDTH - 5})
         EXPECT_EQ(shade[corner], bare[corner]) << corner;
 }
 
-TEST_F(Frame, TextsTellScoreSizeAndGameOverInBlackInFrontOfEverything)
+TEST_F(Frame, ScoreAndSizeAndGameOverAreShownInBlackInFrontOfEverything)
 {
     cb.score = 8888;
     cb.size = cb.targetSize = 49;

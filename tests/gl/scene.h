@@ -1,4 +1,5 @@
-// scene.h - what the tests share that draw with a real OpenGL: a display, a land, an eye, pictures.
+// scene.h - for tests that draw with a real OpenGL: makes the display and the land, places the eye
+// and reads pictures back.
 #pragma once
 
 #include "fixtures.h"
@@ -14,8 +15,8 @@ inline constexpr int WIDTH = 1024, HEIGHT = 768;
 using Rgb = std::array<uint8_t, 3>;
 using Picture = std::vector<Rgb>; // row by row from the bottom
 inline constexpr Rgb BLACK = {0, 0, 0}, WHITE = {255, 255, 255}, KEY = {255, 0, 255};
-// The colours of the four quarters of the test picture by [s][t]. They all differ, so that a
-// picture that is mirrored or turned shows.
+// The colours of the four quarters of the test picture by [s][t]. They all differ, so that the
+// tests notice a picture that is mirrored or turned.
 inline constexpr Rgb CORNERS[2][2] = {{{255, 0, 0}, {0, 0, 255}}, {{0, 255, 0}, {255, 255, 0}}};
 
 inline void writeImage(const char *name, int width, int height, int bytes,
@@ -72,7 +73,7 @@ inline void build(
     int tanks = 0)
 {
     const auto height = [&](int z, int x) { return Rgb{0, 0, uint8_t(level(x, z))}; };
-    writeImage("Map.tga", side, side, 1, height); // rows of the images run along x
+    writeImage("Map.tga", side, side, 1, height); // each row of an image has one x
     writeImage("MapTex.tga", side, side, 4, [&](int z, int x) { return colour(x, z); });
     ASSERT_TRUE(initTerrain(&ter) && makeList(peopleLst, people, side, side, 25) &&
                 makeTankList(tankLst, tanks));
@@ -96,7 +97,7 @@ inline Picture look()
     return picture;
 }
 
-// The pixel, x and y, at which the current view shows a point, and its depth, z.
+// Projects a point with the current matrices: x and y are its pixel, z is its depth from 0 to 1.
 inline Vector project(Vector world)
 {
     GLdouble model[16], projection[16], x, y, z;
@@ -107,14 +108,14 @@ inline Vector project(Vector world)
     return {static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)};
 }
 
-// The colour at the pixel of a point.
+// The colour of the pixel that shows a point.
 inline Rgb seen(const Picture &picture, Vector world)
 {
     const Vector at = project(world);
     return picture.at(int(at.y) * WIDTH + int(at.x));
 }
 
-inline int largestDifference(Rgb a, Rgb b) // of a channel
+inline int largestDifference(Rgb a, Rgb b) // of the three channels
 {
     return std::max({abs(a[0] - b[0]), abs(a[1] - b[1]), abs(a[2] - b[2])});
 }

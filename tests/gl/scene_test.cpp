@@ -1,4 +1,4 @@
-// The sky and a person at close quarters, each drawn alone, and a grab of the screen.
+// The sky alone, a person alone and close to the eye, and a saved picture of the screen.
 #include "scene.h"
 
 TEST_F(Scene, SetupClearsTheStencilBuffer)
@@ -13,7 +13,7 @@ TEST_F(Scene, SetupClearsTheStencilBuffer)
     EXPECT_EQ(stencil, 0);
 }
 
-TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)
+TEST_F(Scene, SkyIsUprightAroundTheEyeAndBehindEverything)
 {
     cam.position = {1000, 300, -500};
     for (const Vector ahead : {Vector{0, 0, 1}, {1, 0, 0}, {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}})
@@ -30,7 +30,7 @@ TEST_F(Scene, SkySurroundsTheEyeUprightAndBehindEverything)
         EXPECT_EQ(depth, 1);
         if (ahead.y != 0)
             continue;
-        const Vector centre = off(wall, up, 15); // of the wall, which is above the eye
+        const Vector centre = off(wall, up, 15); // the middle of the wall, above the eye
         EXPECT_PRED2(isAlike, seen(picture, centre), (Rgb{127, 127, 64}))
             << "the texels are not mixed";
         for (int corner = 0; corner < 4; ++corner)
@@ -57,8 +57,8 @@ static void addOnePerson() // 1 unit below FEET, since people are drawn 1 unit h
     addPerson(peopleLst, {1, off(FEET, {0, 1, 0}, -1), {}, 0, nullptr, 0, nullptr, 0});
 }
 
-// Looks at the person from eyeZ and compares points x and y units from the feet with what is
-// expected.
+// Looks at the person along z, from eyeZ units away. Compares the colours of points at some x and
+// at each y in rows, both in units from the feet.
 static void expectPerson(float eyeZ, std::vector<float> rows,
                          std::function<Rgb(float x, float y)> expected)
 {

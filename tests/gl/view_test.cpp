@@ -1,5 +1,5 @@
-// A frame does not send what is out of view. These tests compare its pixels with those of a frame
-// that sends everything.
+// A frame does not send to OpenGL what is out of view. This test compares the pixels of such a
+// frame with those of a frame that sends everything.
 #include "animate.h"
 #include "scene.h"
 #include "view.h"
@@ -72,8 +72,8 @@ static void drawFrom(const Place &place)
     VIEW_DISTANCE = place.distance; // the frame has changed it
 }
 
-// Draws the last frame again, but sends everything that is in range, tests alpha and lets the
-// shadow cover the whole screen.
+// Draws the last frame again. This time everything in range is sent, the alpha test is on, and the
+// drawing of the shadow is not limited to a part of the screen.
 static void drawAllInRange()
 {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);

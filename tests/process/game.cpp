@@ -75,19 +75,19 @@ extern "C"
         return __real_SDL_GL_SetAttribute(attribute, value);
     }
 
-    // The game calls it after it has seeded rand and set its flags: the place to change both.
+    // When the game calls this, it has seeded rand and set its flags. So both are changed here.
     SDL_Surface *__wrap_SDL_SetVideoMode(int width, int height, int depth, Uint32 flags)
     {
         require(width == 1024 && height == 768 && flags == (SDL_FULLSCREEN | SDL_OPENGL) &&
                     displayAttributes[SDL_GL_STENCIL_SIZE] == 8 &&
                     displayAttributes[SDL_GL_DEPTH_SIZE] == 16 &&
                     displayAttributes[SDL_GL_DOUBLEBUFFER] == 1,
-                "the game asks for another display");
+                "the game asks for a display with unexpected attributes");
         require(rand() != 1804289383, "rand gives the numbers of a program that did not seed it");
         static SDL_Surface surface = {};
         srand(20011);
         TRANSPARENCY = play.frames == 0;
-        if (play.isDrawn) // small, since no test looks at it
+        if (play.isDrawn) // a small window, since no test looks at it
             return __real_SDL_SetVideoMode(128, 96, depth, SDL_OPENGL);
         return play.hasOpenGL ? &surface : nullptr;
     }
@@ -95,7 +95,7 @@ extern "C"
     Uint32 __wrap_SDL_GetTicks()
     {
         static uint32_t ticks = 1000;
-        require(tankLst && tankLst->head, "time passes before the world is made");
+        require(tankLst && tankLst->head, "the game reads the clock before the world is made");
         if (isPlaying)
             ticks += static_cast<uint32_t>(play.step(frame));
         isPlaying = true;
@@ -154,7 +154,7 @@ static void replaceAll(std::string *text, const std::string &from, const std::st
         text->replace(at, from.size(), to);
 }
 
-// The land is released only once its construction has begun.
+// If a start ends before it loads the land, the game quits without the lines about freeing it.
 static std::string quitAfter(const std::string &start)
 {
     std::string quit = transcript("/quit.txt") + "SDL_Quit\n";
@@ -179,7 +179,7 @@ std::string playGame(const Play &script)
         log += static_cast<char>(c);
     fclose(file);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << log;
-    EXPECT_EQ(report->frames, script.frames) << "frames were drawn";
+    EXPECT_EQ(report->frames, script.frames) << "the number of frames that were drawn";
     const size_t end = std::min(log.rfind("Quitting\n"), log.size());
     const std::string start = log.substr(0, end);
     EXPECT_TRUE(isSameText(log.substr(end), quitAfter(start))) << "at the end of the log";
@@ -204,12 +204,13 @@ void requireWholeWorld()
         require(people.insert(person.id).second, "a person is in the lists twice");
     const Ids tanks = idsFrom(tankLst->head), shots = idsFrom(shotLst->head);
     require(std::is_sorted(shots.rbegin(), shots.rend()), "the newest shot is not the first");
-    require(people.size() == size_t(peopleLst->count), "the count of people is wrong");
+    require(people.size() == size_t(peopleLst->count), "the game miscounts its people");
     const size_t points = 10 * (20000 - people.size()) + 50 * (1500 - tanks.size());
-    require(play.failingCall || size_t(cb.score) == points, "the score does not fit the crushed");
+    require(play.failingCall || size_t(cb.score) == points,
+            "the score does not match the number of crushed people and tanks");
 }
 
-// The goal changes every ten seconds or so.
+// The place to which the cube rolls changes every 300 frames.
 void rollAround()
 {
     const unsigned place = (frame / 300u + 1) * 2654435761u >> 8;

@@ -9,8 +9,10 @@
 
 struct Play
 {
-    int frames = 0; // after which Escape is held; 0: a start with picture boards, and no frame
-    // Called before each frame, and before Escape is held.
+    // Escape is held after this number of frames. With 0, people are picture boards and the game
+    // quits after its start.
+    int frames = 0;
+    // Called before each frame, and once more before Escape is held.
     std::function<void(int frame)> script = [](int) {};
     int (*step)(int frame) = [](int) { return 33; }; // milliseconds from one frame to the next
     const char *videoDriver = "dummy";               // of SDL
@@ -29,8 +31,8 @@ struct Report
 
     int frames; // that were drawn
     uint64_t hash;
-    long kilobytes[2];  // peak of memory early in the game and at its end
-    Vector figures[12]; // of the world, which the script chooses
+    long kilobytes[2];  // the most memory used so far, early in the game and at its end
+    Vector figures[12]; // what the script measures in the world
     int allocations;
     Allocation allocation[MOST_ALLOCATIONS];
 };
@@ -38,22 +40,22 @@ struct Report
 extern Report *const report;
 extern Play play; // the game that is played; read by scripts
 
-// Plays a game and expects that it draws all its frames, quits with the lines of a quit and ends
-// with status 0. Returns what it wrote to standard error before it quit. Text that it wrote to
-// standard output is part of that, after "out: ".
+// Plays a game and expects that it draws all its frames, prints the lines of quit.txt when it quits
+// and ends with status 0. Returns what the game printed before it quit, on both standard error and
+// standard output. Each piece of text from standard output begins with "out: ".
 std::string playGame(const Play &script);
 
 // For scripts, in the child process. A condition that is false ends the child with status 1.
 void require(bool condition, const char *fault);
 std::vector<Person> crowd(); // everybody who is alive
-void requireWholeWorld();    // everybody is in the lists once; the score fits the number of crushed
+void requireWholeWorld();    // nobody is in the lists twice; the score matches the crushed
 void rollAround();           // holds keys that roll the cube from place to place
 
-// An image whose pixels show a pattern. bytes is the size of its pixels, which need not fit the
-// header.
+// Writes an image whose pixels show a pattern. bytes is the size of the pixels in the file, which
+// need not agree with the header.
 void writePattern(const char *path, int width, int height, int depth, int type, long bytes);
 
-// In a folder with the eight images of a small game.
+// A test whose working directory contains the eight images of a small game.
 struct Process : testing::Test
 {
     Process();

@@ -1,4 +1,4 @@
-// Starts with damaged, odd and hostile files in place of the images.
+// The game is started with missing, damaged or unusual files in place of its images.
 #include "game.h"
 #include "image.h"
 
@@ -106,7 +106,7 @@ TEST_F(ImageFiles, HeaderAndSizeDecideWhetherAnImageIsUsed)
     EXPECT_EQ(dup(STDERR_FILENO), lastFile + 1) << "tgaLoad leaves a file open";
 }
 
-TEST_F(ImageFiles, MapsMustBeSquareLargeDeepEnoughAndOfOneSize)
+TEST_F(ImageFiles, MapsMustBeSquareAndOfOneSizeAndLargeAndDeepEnough)
 {
     const struct
     {

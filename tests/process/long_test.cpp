@@ -82,8 +82,8 @@ TEST_F(Process, ReplayGivesTheSameWorldToTheLastBit)
     std::ofstream(REPLAY_HASH) << hashes[0] << "\n";
 }
 
-// Drawn by OpenGL. The display lists take more memory than the world: Mesa seems to keep a large
-// store of vertices until the last list in it is deleted.
+// OpenGL draws this game. The display lists take more memory than the world: Mesa seems to keep a
+// large store of vertices until the last list in it is deleted.
 TEST_F(Process, SoakGainsLittleMemory)
 {
     const char *frames = getenv("FRAMES");

@@ -24,16 +24,16 @@ static const std::map<size_t, std::vector<std::string>> COMPLAINTS = {
     {SIDE * sizeof(float), {"   ...map array not initialised\n"}},
     {SIDE * sizeof(Vector),
      {"   ...normals array not initialised\n", "   ...colours array not initialised\n"}},
-    {SIDE * SIDE, {"   ...Height image is not of correct format: 3\n"}}, // not turned to grey
-    {sizeof(TankNode), {""}}, // there is one tank less, of which the game says nothing
-    {sizeof(Shot), {""}},     // one shot less
+    {SIDE * SIDE, {"   ...Height image is not of correct format: 3\n"}}, // the map stays coloured
+    {sizeof(TankNode), {""}}, // the game goes on with one tank less and prints nothing
+    {sizeof(Shot), {""}},     // one shot less, likewise
 };
 
 namespace
 {
 struct Memory : Process
 {
-    // Lets the allocation of that number fail.
+    // Plays a game in which allocation number call fails, and looks for the line about it.
     void expectComplaint(Play script, int call, size_t bytes) const
     {
         SCOPED_TRACE(testing::Message() << "allocation " << call << ", " << bytes << " bytes");
@@ -52,7 +52,7 @@ struct Memory : Process
             << "\n    actual: " << at.actual;
     }
 
-    // The first, the second, a middle and the last allocation of each place.
+    // For each place plays games in which its first, second, middle and last allocation fails.
     void failEachPlace(const Play &script) const
     {
         playGame(script);
@@ -68,7 +68,7 @@ struct Memory : Process
 };
 } // namespace
 
-TEST_F(Memory, FailedAllocationEndsTheStartWithItsLineAndStatus0)
+TEST_F(Memory, StartReportsOrSurvivesEachFailedAllocation)
 {
     makeImages(SIDE);
     failEachPlace({});
@@ -80,7 +80,7 @@ TEST_F(Memory, FailedAllocationInPlayLosesNobody)
     const auto script = [](int now)
     {
         if (now == 0)
-            cb.position = vectorInit(0, 300, 0); // near the ground, so that play begins at once
+            cb.position = vectorInit(0, 300, 0); // near the ground, so that the cube lands soon
         requireWholeWorld();
     };
     Play game = {40, script, [](int) { return 100; }};

@@ -1,4 +1,4 @@
-// Short games: under an odd clock, and with pinned figures.
+// Short games: some with a clock that leaps or stops, one with a table of expected figures.
 #include "game.h"
 #include "main.h"
 
@@ -32,9 +32,9 @@ TEST_F(Process, NobodyIsLostWhateverTheClockShowsAndWhereverTheCubeIs)
     }
 }
 
-// Figures of a game at two of its frames, which are 0.02 s long. Those of people and tanks are sums
-// of all their positions. After a deliberate change of the game, run the test: it fails and prints
-// the new rows of the table, which can be pasted here.
+// Figures of a game at two of its frames. Each frame takes 0.02 s. Those of people and tanks are
+// the sums of all their positions. After a deliberate change of the game, run the test: it fails
+// and prints the new rows of the table, which can be pasted here.
 static const struct
 {
     int frame;
@@ -54,9 +54,9 @@ static const struct
     {400, "people / 10,000", {27.2f, 589.4f, 35.1f}},
     {400, "tanks / 1,000", {-459.7f, 339.3f, -1606}},
 };
-// The bound of each figure. C libraries of other processors round sines, cosines, arc cosines and
-// powers differently. Errors of half a unit in the last place of a float in them, which is far
-// more, changed no figure by more than 0.01.
+// How far a figure may be from its row. C libraries of other processors round sines, cosines, arc
+// cosines and powers differently. In a trial with much larger errors in these functions, half a
+// unit in the last place of a float, no figure changed by more than 0.01.
 constexpr double BOUND = 0.5;
 
 static void reportFigures(Vector figures[6])
@@ -75,7 +75,7 @@ static void reportFigures(Vector figures[6])
     std::copy(now, now + 6, figures);
 }
 
-TEST_F(Process, FirstSecondsOfAGameGiveThePinnedFigures)
+TEST_F(Process, FirstSecondsOfAGameGiveTheFiguresOfTheTable)
 {
     const auto script = [](int now)
     {
@@ -89,7 +89,7 @@ TEST_F(Process, FirstSecondsOfAGameGiveThePinnedFigures)
             reportFigures(report->figures + (now == PINNED[0].frame ? 0 : 6));
     };
     makeImages(256);
-    remove("TexPerson.tga"); // people are no picture boards, so the game does not read it
+    remove("TexPerson.tga"); // the game reads this image only for picture boards
     const std::string log = playGame({PINNED[6].frame, script, [](int) { return 20; }});
     EXPECT_TRUE(isSameText(log, startLog(false)));
     for (size_t i = 0; i < std::size(PINNED); ++i)

@@ -1,5 +1,5 @@
-// Gives arbitrary bytes to the image module as files, which it loads, converts, saves and loads
-// again.
+// Gives arbitrary bytes to the image module as a file. The module loads, converts and saves the
+// image and loads what it saved.
 #include "image.h"
 
 #include <cstdlib>
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (image->status == TGA_OK)
     {
         TgaImage *keyed = saveAndLoadAgain(image);
-        tgaRGBTransparency(keyed); // turns three bytes a pixel into four
+        tgaRGBTransparency(keyed); // makes four bytes of each pixel
         tgaDestroy(saveAndLoadAgain(keyed));
         tgaDestroy(keyed);
         tgaRGBtoGreyscale(image);

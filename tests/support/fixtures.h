@@ -1,5 +1,5 @@
-// fixtures.h - what the tests share: comparisons, images that are written byte by byte, a folder to
-// work in and the globals of the game.
+// fixtures.h - shared by the tests: comparisons, image files, a working directory and the globals
+// of the game.
 #pragma once
 
 #include "camera.h"
@@ -27,7 +27,7 @@
 typedef std::vector<uint8_t> Bytes;
 typedef std::vector<int> Ids;
 
-inline uint32_t fakeTicks = 0; // milliseconds; what SDL_GetTicks answers through stopped_clock.cpp
+inline uint32_t fakeTicks = 0; // milliseconds; what SDL_GetTicks of stopped_clock.cpp returns
 
 // ---- comparisons --------------------------------------------------------------------------------
 
@@ -36,7 +36,7 @@ inline std::ostream &operator<<(std::ostream &stream, Vector v)
     return stream << '(' << v.x << ", " << v.y << ", " << v.z << ')';
 }
 
-// Each component lies within the tolerance; NaN never does.
+// Succeeds if each component differs by at most the tolerance; with NaN it fails.
 inline testing::AssertionResult isNear(Vector actual, Vector expected, double tolerance)
 {
     const bool isWithin = std::fabs(actual.x - expected.x) <= tolerance &&
@@ -72,7 +72,7 @@ inline testing::AssertionResult isSameText(const std::string &actual, const std:
                                        << "\n    actual: " << at.actual;
 }
 
-// The identities in a list of shots, tanks or people, from its head.
+// The numbers (id) of the nodes in a list of shots, tanks or people, from its head.
 template <typename Node> Ids idsFrom(const Node *node)
 {
     Ids ids;
@@ -86,7 +86,7 @@ template <typename Node> Ids idsFrom(const Node *node)
     return ids;
 }
 
-// Removes the middle, the first and the last node of a list of 3, 2 and 1.
+// Removes the middle, the first and the last node of a list whose nodes have the numbers 3, 2, 1.
 template <typename Node, typename Remove> void expectRemovals(Node *const &head, Remove remove)
 {
     ASSERT_EQ(idsFrom(head), Ids({3, 2, 1}));

@@ -1,5 +1,5 @@
-// In the place of SDL: a clock that shows what a test has set, and frames that stay in the buffer
-// from which they can be read.
+// These functions replace those of SDL. The clock shows the time that a test has set. A frame stays
+// in the back buffer, where the test can read it.
 #include "fixtures.h"
 
 extern "C" Uint32 __wrap_SDL_GetTicks()

@@ -1,6 +1,6 @@
 #include "world.h"
 
-TEST_F(World, EyeEasesTowardsAPlaceBehindTheCubeWhoseDistanceDependsOnItsSize)
+TEST_F(World, GoalOfTheEyeIsBehindTheCubeAndFartherFromALargerCube)
 {
     const struct
     {
@@ -22,18 +22,18 @@ TEST_F(World, EyeEasesTowardsAPlaceBehindTheCubeWhoseDistanceDependsOnItsSize)
     }
 }
 
-TEST_F(World, EyeGoesAShareOfItsWayInEachStep)
+TEST_F(World, EyeMovesAShareOfTheWayToItsGoalInEachStep)
 {
     cam.position = {0, 100, -200};
     cam.target = {100, 300, 400};
-    updateCamera(&cam, 0.1f); // 25 * 0.1^2 is a quarter
+    updateCamera(&cam, 0.1f); // the share, 25 * 0.1^2, is a quarter
     EXPECT_TRUE(isNear(cam.position, {25, 150, -50}, 1e-3));
     EXPECT_TRUE(isNear(cam.velocity, {250, 500, 1500}, 1e-2));
 }
 
 TEST_F(World, FrameRaisesTheGoalOfTheEyeAboveTheGroundUnderTheEye)
 {
-    for (int x = 0; x < 100; ++x) // a plateau where x is below -125
+    for (int x = 0; x < 100; ++x) // a plateau where x is at most -150
         std::fill_n(ter.map[x], 190, 40.0f);
     cb.position = {300, 500, 0};
     cam.position = {-200, 500, 0};

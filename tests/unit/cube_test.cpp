@@ -7,7 +7,7 @@ static Vector perMass(Vector v)
     return vectorMultiply(v, 1 / M);
 }
 
-TEST_F(World, CubeStartsAboveTheEdgeOfTheLandAndFliesTowardsItsMiddle)
+TEST_F(World, CubeStartsHighUpAndFliesAlongTheZAxis)
 {
     EXPECT_NEAR(cb.inertia, 1e10 / 6, 1);
     updateCube(&cb, 0.02f);
@@ -20,7 +20,7 @@ TEST_F(World, AccumulatedForcesMoveAndTurnTheCubeForOneStep)
 {
     const float inertia = static_cast<float>(cb.inertia);
     cb.orientation = {0.70710678f, 0.70710678f, 0, 0}; // a quarter turn about x
-    cb.mass = 2 * M; // as after growth; momentum is still divided by the mass at the start
+    cb.mass = 2 * M; // as after growth; velocity is still momentum over the mass at the start
     cb.momentum = {0, 0, 0};
     applyForce(&cb, {2 * M, 3 * M, 4 * M}, vectorAdd(cb.position, {5, -10, 20}));
     EXPECT_TRUE(isNear(perMass(cb.torque), {-100, 20, 35}, 1e-3));
@@ -29,8 +29,8 @@ TEST_F(World, AccumulatedForcesMoveAndTurnTheCubeForOneStep)
     EXPECT_TRUE(isNear(cb.velocity, {0.2f, -39.7f, 0.4f}, 1e-4));
     EXPECT_TRUE(isNear(cb.position, {0.02f, 1996.03f, -3999.96f}, 1e-3));
     EXPECT_TRUE(isNear(cb.angularVelocity, {2, 4, 6}, 1e-4));
-    // Half of the turn in this step is (0.1, 0.2, 0.3). The sum of the old orientation and its
-    // product with that has the squared length 1.14 and is normalized.
+    // The step adds (0, 0.1, 0.2, 0.3) times the old orientation to the orientation. The sum has
+    // the squared length 1.14 and is normalized. The factor here gives numbers without roots.
     const Quaternion q = quaternionMultiplyFloat(cb.orientation, std::sqrt(2.28f));
     EXPECT_NEAR(q.w, 0.9, 1e-5);
     EXPECT_TRUE(isNear({q.x, q.y, q.z}, {1.1f, 0.5f, 0.1f}, 1e-5));
@@ -43,7 +43,7 @@ TEST_F(World, SizeEasesTowardsItsTargetAndBelow50TheGameIsOver)
     {
         float size, target; // before a step of 0.1 s
         float newSize, newTarget, gainedMass;
-        int isOver; // the cube has then been stopped
+        int isOver; // if 1, the step also stops the cube
     } rows[] = {
         {100, 260, 145, 250, 225, 0}, // a target above 250 becomes 250
         {60, 40, 54, 40, -30, 0},
@@ -84,23 +84,23 @@ TEST_F(World, CornersMoveAndTurnWithTheCube)
     }
 }
 
-TEST_F(World, CubeReachesHalfItsEdgeButCrushesBodiesAWholeEdgeAboveAndBelow)
+TEST_F(World, CubeCrushesWithinHalfItsEdgeAlongXAndZAndAWholeEdgeAlongY)
 {
     const struct
     {
-        Vector offset; // from the body to the centre of the cube; the game cuts it to whole units
+        Vector offset; // from the target to the centre of the cube; the game drops its fraction
         int isCovered, isCrushed;
     } rows[] = {
-        {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, // cut to -50
+        {{49.9f, 20, -49.9f}, 1, 1}, {{-50.7f, 0, 0}, 0, 0}, // becomes -50
         {{0, 0, 50}, 0, 0},          {{0, 0, -50.2f}, 0, 0}, {{0, -49.9f, 0}, 1, 1},
         {{30, -99.9f, 0}, 0, 1},     {{0, 100.5f, 0}, 0, 0},
     };
     cb.position = {0, 0, 0};
     for (const auto &row : rows)
     {
-        const Vector body = vectorMultiply(row.offset, -1);
-        EXPECT_EQ(cubeCovers(&cb, body, 50), row.isCovered) << row.offset;
-        EXPECT_EQ(cubeCrushes(&cb, body), row.isCrushed) << row.offset;
+        const Vector target = vectorMultiply(row.offset, -1);
+        EXPECT_EQ(cubeCovers(&cb, target, 50), row.isCovered) << row.offset;
+        EXPECT_EQ(cubeCrushes(&cb, target), row.isCrushed) << row.offset;
     }
 }
 
@@ -113,7 +113,7 @@ static void spinIntoTheGround()
     collideCubeTerrain();
 }
 
-TEST_F(World, CornersInTheGroundDentItWhereTheyFallAndArePushedWhereTheyRise)
+TEST_F(World, FallingCornersDentTheGroundAndTheFirstOfTheDeepestCornersIsPushed)
 {
     spinIntoTheGround();
     for (int z : {93, 97})
@@ -121,8 +121,9 @@ TEST_F(World, CornersInTheGroundDentItWhereTheyFallAndArePushedWhereTheyRise)
         EXPECT_FLOAT_EQ(ter.map[103][z], -2) << "250 units/s times 0.02 times 0.4";
         EXPECT_EQ(ter.map[107][z], 0);
     }
-    // Four corners are equally deep. The first of them, corner 1, is the deepest one that was found
-    // and alone is pushed: by friction along the ground, and upward by the spring less the damping.
+    // Four corners are equally deep. The game takes the first of them, corner 1, as the deepest and
+    // pushes no other. Friction pushes it along the ground. The spring minus its damping pushes it
+    // up.
     EXPECT_TRUE(isNear(perMass(cb.force), {-6 * 150, 12 * 3 - 0.1f * 50 * 3, 0}, 1e-2));
 }
 
@@ -135,16 +136,17 @@ TEST_F(World, GroundKeepsItsShapeButStillPushesWhenDeformingIsOff)
     EXPECT_GT(cb.force.y, 0);
 }
 
-TEST_F(World, DeepestCornerIsPushedAndTheOneThatWasDeepestBeforeIt)
+TEST_F(World, GroundPushesTheDeepestCornerAndTheDeepestOfThoseBeforeIt)
 {
     const struct
     {
-        float turnX, turnZ, height; // radians about x and z; of the centre of the cube
+        float turnX, turnZ; // radians about x and about z
+        float height;       // of the centre of the cube
         Ids depths; // rough depths of corners 1, 4, 5 and 8 in the ground; negative: above it
         Ids pushed; // numbers of corners
     } rows[] = {
         {-0.02f, 0.06f, 45, {1, 3, 7, 9}, {8, 5}}, {-0.02f, -0.06f, 45, {7, 9, 1, 3}, {4, 1}},
-        {0.02f, 0.06f, 45, {3, 1, 9, 7}, {5, 1}}, // 4 is not as deep as 1
+        {0.02f, 0.06f, 45, {3, 1, 9, 7}, {5, 1}}, // corner 4 is not as deep as corner 1
         {0.02f, -0.06f, 45, {9, 7, 3, 1}, {1}},   // corner 1 is looked at first
         {-0.02f, 0.06f, 53, {-7, -5, -1, 1}, {8}},
     };

@@ -31,7 +31,7 @@ TEST_F(World, ImagesOfEveryDepthAreSavedAndLoadedAgain)
         int16_t width;
         Bytes file, memory; // pixels
     } rows[] = {
-        {3, 8, 258, Bytes(258, 9), Bytes(258, 9)}, // a width of two bytes
+        {3, 8, 258, Bytes(258, 9), Bytes(258, 9)}, // a width above 255, which needs both bytes
         {3, 16, 2, {1, 2, 3, 4}, {1, 2, 3, 4}},
         {2, 24, 2, {3, 2, 1, 6, 5, 4}, {1, 2, 3, 4, 5, 6}},
         {2, 32, 2, {3, 2, 1, 4, 7, 6, 5, 8}, {1, 2, 3, 4, 5, 6, 7, 8}},
@@ -57,7 +57,7 @@ TEST_F(World, GreyWeighsTheColoursAndMagentaBecomesTransparent)
               Loaded(1, 2, 32, 3, 1, {128, 128, 128, 255, 255, 0, 254, 255, 0, 0, 0, 0}));
 }
 
-TEST_F(World, FailedSaveUsesUpNoNumber)
+TEST_F(World, FailedSaveDoesNotUseUpANumber)
 {
     uint8_t *pixels = allocateCopy({1});
     savedImages = 2147483645;

@@ -15,7 +15,8 @@ TEST_F(World, PersonGoesIntoTheBucketOfItsPosition)
     const struct
     {
         float x, z;
-        int row, column, isOutside; // people outside of the grid are in its outermost buckets
+        int row, column;
+        int isOutside; // of the grid; such people are put into its outermost buckets
     } rows[] = {
         {50.9f, -51.1f, 125, 123, 0},
         {600, -6375, 136, 0, 0},
@@ -49,7 +50,7 @@ TEST_F(World, ViewRangeReachesTheDrawDistanceAlongEachAxis)
     EXPECT_EQ(Ids({firstRow, endRow, firstColumn, endColumn}), Ids({144, 250, 0, 105}));
 }
 
-TEST_F(World, PeopleFleeFromANearCubeUnlessTheyAreAtAnEdgeOfTheLand)
+TEST_F(World, PeopleFleeFromANearCubeUnlessTheyAreNearAnEdgeOfTheLand)
 {
     const struct
     {
@@ -59,21 +60,21 @@ TEST_F(World, PeopleFleeFromANearCubeUnlessTheyAreAtAnEdgeOfTheLand)
     } rows[] = {
         {"nearer than 500 units", {-299, 0, 398}, {0, 0, 0}, true},
         {"at 500 units", {300, 0, 400}, {0, 0, 0}, false},
-        {"at an edge along x", {625, 0, 0}, {600, 0, 0}, false},
-        {"at an edge along z", {0, 0, -625}, {-50, 0, -600}, false},
+        {"near an edge along x", {625, 0, 0}, {600, 0, 0}, false},
+        {"near an edge along z", {0, 0, -625}, {-50, 0, -600}, false},
     };
     for (const auto &row : rows)
     {
         Person person = personAt(1, row.person, {5, 0, 7});
         cb.position = row.cube;
-        srand(1); // its first number makes no wanderer change the course
+        srand(1); // the first number after this seed changes nobody's course
         updateAI(&person, &cb, 210, 25);
         EXPECT_TRUE(isNear(person.velocity, row.flees ? row.person : Vector{5, 0, 7}, 0))
             << row.where;
     }
 }
 
-TEST_F(World, WalkersKeepToTheirTopSpeedTurnBackAtEdgesAndStayOnTheGround)
+TEST_F(World, PeopleWalkAtMostAtTopSpeedAndTurnBackAtEdgesAndStayOnTheGround)
 {
     const struct
     {
@@ -89,7 +90,7 @@ TEST_F(World, WalkersKeepToTheirTopSpeedTurnBackAtEdgesAndStayOnTheGround)
         {0, 626, {99, 0, -40}, {0, 0, -45}, 0},
         {626, -626, {99, 0, -40}, {0, 0, 45}, 180}, // the z rule wins in a corner
     };
-    for (int x = 0; x < 210; ++x) // height x + 2 z above the lowest corner
+    for (int x = 0; x < 210; ++x) // the ground rises by 1 along x and by 2 along z
         for (int z = 0; z < 190; ++z)
             ter.map[x][z] = static_cast<float>(x * 25 + z * 50);
     for (const auto &row : rows)
@@ -105,7 +106,7 @@ TEST_F(World, WalkersKeepToTheirTopSpeedTurnBackAtEdgesAndStayOnTheGround)
     }
 }
 
-TEST_F(World, StepMovesEverybodyInRangeOnceAndTurnsTheCrushedIntoPointsAndStains)
+TEST_F(World, StepMovesEverybodyInRangeOnceAndEachCrushedPersonScoresAndLeavesAStain)
 {
     addPerson(peopleLst, personAt(1, {50, 0, 600}, {45, 0, 0}));
     addPerson(peopleLst, personAt(4, {0, 0, 608}, {0, 0, 45}));
@@ -116,7 +117,7 @@ TEST_F(World, StepMovesEverybodyInRangeOnceAndTurnsTheCrushedIntoPointsAndStains
     {
         EXPECT_EQ(idsFrom(bucket(125, 136)), Ids({4, 1}));
         cb.position = {x, 99, -550};
-        srand(1); // its first numbers make no wanderer change the course
+        srand(1); // the first numbers after this seed change nobody's course
         updatePerson(peopleLst, &cb, 1, &ter);
     }
     ASSERT_EQ(idsFrom(bucket(126, 136)), Ids({1}));
@@ -126,8 +127,10 @@ TEST_F(World, StepMovesEverybodyInRangeOnceAndTurnsTheCrushedIntoPointsAndStains
     EXPECT_EQ(peopleLst->count, 3);
     EXPECT_EQ(cb.score, 20);
     EXPECT_EQ(cb.targetSize, 102);
-    EXPECT_EQ(ter.displayLists[4][2], DIRTY_LIST) << "the list does not show the stain";
-    // Each of the two takes the colour 70 % of the way from (0.75, 0.5, 0.25) to (0.6, 0, 0).
+    EXPECT_EQ(ter.displayLists[4][2], DIRTY_LIST)
+        << "the block with the stain is not marked for compiling";
+    // Each of the two crushed people changes the colour by 70 % of the way from (0.75, 0.5, 0.25)
+    // to (0.6, 0, 0).
     const Colour &stain = ter.colours[105][73];
     EXPECT_TRUE(isNear({stain[0], stain[1], stain[2]}, {0.6135f, 0.045f, 0.0225f}, 1e-6));
 }

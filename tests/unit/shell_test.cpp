@@ -11,9 +11,9 @@ TEST_F(World, HeldKeysAddTorqueAndTurnTheHeading)
     } rows[] = {
         {{SDLK_UP, SDLK_UNKNOWN}, 135, 6, 5, 0, 0, {10, 10, 10}, 135}, // at the spin limit
         {{SDLK_LEFT, SDLK_UNKNOWN}, 120, 0, 0, 0, -101, {260, 10, -423.013f}, 120},
-        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // slow
+        {{SDLK_RIGHT, SDLK_UNKNOWN}, 90, 0, 0, 100, -100, {10, 10, 10}, 94.5f}, // slow: turns
         {{SDLK_LEFT, SDLK_RIGHT}, 359, 0, 0, 0, 0, {10, 10, 10}, 354.5f},
-        {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90}, // too slow to brake
+        {{SDLK_DOWN, SDLK_UP}, 90, 1.5f, -1.5f, 0, 0, {10, 10, 10}, 90}, // spins too slowly
         {{SDLK_DOWN, SDLK_UP}, 90, 1, -1.6f, 0, 0, {-30, -270, 48}, 90},
         {{SDLK_DOWN, SDLK_UNKNOWN}, 90, 1.6f, 1, 0, 0, {-48, -270, -30}, 90},
     };
@@ -70,9 +70,10 @@ TEST_F(World, SlowFramesShortenTheDrawDistanceAndEndTheShadow)
     initAnimation();
     const struct
     {
-        int milliseconds, distance; // of a frame; after it
+        int milliseconds; // that the frame takes
+        int distance;     // the draw distance after the frame
     } rows[] = {
-        {28, 5000}, {16, 5005}, {0, 5010}, // the first frames may fall into one millisecond
+        {28, 5000}, {16, 5005}, {0, 5010}, // two frames may fall into one millisecond
         {30, 5010}, {39, 5010}, {41, 5005}, {846, 5000},
     };
     for (const auto &row : rows)
@@ -85,12 +86,12 @@ TEST_F(World, SlowFramesShortenTheDrawDistanceAndEndTheShadow)
     drawFrames(1, 125);
     EXPECT_EQ(shadowSwitchTime, 2);
     EXPECT_EQ(SHADOW, 0);
-    EXPECT_EQ(drawFrames(450, 125), 3000) << "the shortest distance in play";
+    EXPECT_EQ(drawFrames(450, 125), 3000) << "not the shortest distance in play";
     VIEW_DISTANCE = 2990;
-    EXPECT_EQ(drawFrames(5, 125), 2990) << "a shorter distance is changed";
+    EXPECT_EQ(drawFrames(5, 125), 2990) << "a distance below the shortest one is changed";
     EXPECT_EQ(drawFrames(1, 10), 2995);
     gameOver = 1;
-    EXPECT_EQ(drawFrames(5, 125), 4500) << "the shortest distance after game over";
+    EXPECT_EQ(drawFrames(5, 125), 4500) << "not the shortest distance after game over";
     EXPECT_EQ(drawFrames(102, 10), 5010);
-    EXPECT_EQ(SHADOW, 0) << "the shadow comes back";
+    EXPECT_EQ(SHADOW, 0) << "the shadow is drawn again";
 }

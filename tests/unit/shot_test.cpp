@@ -10,7 +10,7 @@ TEST_F(World, ShotsAreRemovedByTheirNumberWhichIsNeverUsedAgain)
     EXPECT_EQ(idsFrom(shotLst->head), Ids({4}));
 }
 
-TEST_F(World, ShotsFlyTwiceAsFastAlongTheGroundAndMakeACraterWhereTheySink)
+TEST_F(World, ShotsMoveByTwiceTheirHorizontalVelocityAndMakeACraterOnceBelowTheGround)
 {
     for (const Vector &start : {Vector{0, 0, 0}, Vector{500, -6, 0}, Vector{2400, -7, 0}})
         addShot(shotLst, {0, start, {100, 80, -30}, 0, nullptr});
@@ -25,17 +25,18 @@ TEST_F(World, ShotsFlyTwiceAsFastAlongTheGroundAndMakeACraterWhereTheySink)
     EXPECT_EQ(ter.map[202][95], -8);
     EXPECT_EQ(ter.map[201][94], -3);
     EXPECT_EQ(ter.map[126][95], 0);
-    EXPECT_EQ(ter.displayLists[7][3], DIRTY_LIST) << "the list does not show the crater";
+    EXPECT_EQ(ter.displayLists[7][3], DIRTY_LIST)
+        << "the block with the crater is not marked for compiling";
 }
 
-TEST_F(World, ShotThatStrikesShrinksPushesAndSpinsTheCube)
+TEST_F(World, CubeHitByAShotShrinksAndIsPushedAndSpun)
 {
     const struct
     {
         const char *where;
         Vector offset; // from the centre of the cube
         int strikes;
-        Vector torque; // divided by mass, as the push
+        Vector torque; // divided by the mass of the cube
     } rows[] = {
         {"at the centre", {0, 0, 0}, 1, {0, 0, 0}},
         {"off the centre", {10, 20, -30}, 1, {-66000, -49500, -55000}},
@@ -48,13 +49,13 @@ TEST_F(World, ShotThatStrikesShrinksPushesAndSpinsTheCube)
         const Shot shot = {0, vectorAdd(cube.position, row.offset), {30, -40, 0}, 0, nullptr};
         EXPECT_EQ(checkShotCollision(&shot, &cube), row.strikes);
         EXPECT_EQ(cube.targetSize, row.strikes ? 92.5f : 100);
-        const Vector push = row.strikes ? Vector{1650, -2200, 0} : Vector{0, 0, 0}; // 2750 long
+        const Vector push = row.strikes ? Vector{1650, -2200, 0} : Vector{0, 0, 0}; // length 2750
         EXPECT_TRUE(isNear(vectorMultiply(cube.force, 1 / cube.mass), push, 1e-2));
         EXPECT_TRUE(isNear(vectorMultiply(cube.torque, 1 / cube.mass), row.torque, 1e-1));
     }
 }
 
-TEST_F(World, ShotThatStrikesLeavesTheListAndTheOthersFlyOn)
+TEST_F(World, ShotThatHitsTheCubeLeavesTheListAndTheOthersFlyOn)
 {
     for (float x : {300.0f, 0.0f, 600.0f})
         addShot(shotLst, {0, {x, 30, 0}, {100, 0, 0}, 0, nullptr});

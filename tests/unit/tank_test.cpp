@@ -13,7 +13,7 @@ TEST_F(World, TanksAreRemovedByTheirNumber)
     expectRemovals(tankLst->head, [](int id) { return removeTank(tankLst, tankAt(id, {})); });
 }
 
-TEST_F(World, TanksBeyondAnEdgeTakeItsHeading)
+TEST_F(World, EachEdgeSetsTheTargetHeadingOfTanksBeyondIt)
 {
     const struct
     {
@@ -47,14 +47,14 @@ TEST_F(World, TankEasesItsHeadingAndSpeedAndThenDrivesAhead)
     EXPECT_EQ(tank.wanderDistance, 90) << "90.9 is cut to a whole unit";
 }
 
-TEST_F(World, TankWithoutAnEnemyStartsANewLegAtTheEndOfTheLast)
+TEST_F(World, TankThatDoesNotFightChoosesANewCourseAtTheEndOfTheOldOne)
 {
     const struct
     {
         int wanderDistance;
         float cubeX;
         int isOver;
-        bool startsLeg;
+        bool choosesCourse;
     } rows[] = {{1, 500, 0, false}, {0, 500, 0, true}, {-9, 100, 1, true}};
     srand(9);
     const int distance = rand() % 2000 + 500;
@@ -70,14 +70,14 @@ TEST_F(World, TankWithoutAnEnemyStartsANewLegAtTheEndOfTheLast)
         gameOver = row.isOver;
         srand(9);
         updateTankAI(&tank, &cb, shotLst, 9);
-        EXPECT_EQ(tank.wanderDistance, row.startsLeg ? distance : row.wanderDistance);
-        EXPECT_EQ(tank.targetHeading, row.startsLeg ? heading : 555);
-        EXPECT_EQ(tank.targetSpeed, row.startsLeg ? 100 : 7);
+        EXPECT_EQ(tank.wanderDistance, row.choosesCourse ? distance : row.wanderDistance);
+        EXPECT_EQ(tank.targetHeading, row.choosesCourse ? heading : 555);
+        EXPECT_EQ(tank.targetSpeed, row.choosesCourse ? 100 : 7);
         EXPECT_EQ(shotLst->head, nullptr);
     }
 }
 
-TEST_F(World, TankInRangeStopsFacesTheCubeAndFiresEveryTwoSeconds)
+TEST_F(World, TankInRangeStopsAndFacesTheCubeAndFiresEveryTwoSeconds)
 {
     cb.position = {10, 300, 30};
     Tank tank = tankAt(0, {309, 20, -370});
@@ -91,10 +91,11 @@ TEST_F(World, TankInRangeStopsFacesTheCubeAndFiresEveryTwoSeconds)
     EXPECT_EQ(shotLst->head->heading, 233);
 }
 
-TEST_F(World, CrushedTankLetsTheCubeGrowKicksItUpAndMakesACrater)
+TEST_F(World, CrushedTankMakesTheCubeGrowAndThrowsItUpAndLeavesACrater)
 {
     cb.position = {40, 90, -30};
-    EXPECT_EQ(checkTankCollision(tankAt(0, {-10, 0, -30}), &cb, &ter), 0) << "half an edge away";
+    EXPECT_EQ(checkTankCollision(tankAt(0, {-10, 0, -30}), &cb, &ter), 0)
+        << "at exactly half an edge from the cube";
     EXPECT_EQ(cb.score, 0);
     EXPECT_EQ(checkTankCollision(tankAt(0, {52, 0, -38}), &cb, &ter), 1);
     EXPECT_EQ(cb.targetSize, 110);

@@ -7,7 +7,7 @@ TEST_F(World, LandIsBuiltFromItsImages)
     constexpr int SIDE = 25; // the smallest that is accepted
     Bytes heights = tga(2, SIDE, SIDE, 32, {}), colours = tga(2, SIDE, SIDE, 24, {});
     const auto level = [](int x, int z) { return uint8_t(x * x * 3 + z * 8 + x * z); };
-    for (int x = 0; x < SIDE; ++x) // rows run along x
+    for (int x = 0; x < SIDE; ++x) // each row of an image has one x
         for (int z = 0; z < SIDE; ++z)
         {
             heights.insert(heights.end(), {1, 2, 3, level(x, z)}); // the last byte is the height
@@ -53,7 +53,7 @@ TEST_F(World, SmoothingHalvesASpikeWithEachSampleOfDistance)
     for (const auto &row : rows)
     {
         ter.map[row.x][row.z] = 900;
-        smoothSelectedArea(&ter, -3, 999, -2, 999); // it is cut to the grid
+        smoothSelectedArea(&ter, -3, 999, -2, 999); // only the grid itself is smoothed
         for (int x = 0; x < 210; ++x)
             for (int z = 0; z < 190; ++z)
                 ASSERT_NEAR(std::exchange(ter.map[x][z], 0),
@@ -98,8 +98,8 @@ TEST_F(World, DentsAndCratersChangeHeightsColoursAndNormalsInTheirSquares)
     {
         int mode;
         float v, strength;
-        int reach;                  // of the square that is lowered: samples from the centre
-        int normalsFrom, normalsTo; // of the square whose normals are computed, half open
+        int reach;                  // samples from the centre to a side of the lowered square
+        int normalsFrom, normalsTo; // of the square whose normals are computed; half open
         float depth[5];             // at |i| + |j| samples from the centre
     } rows[] = {
         {DEFORM_DENT, -50, 0, -1, 0, 0, {}},
@@ -154,7 +154,7 @@ static Ids takeMarks()
     return blocks;
 }
 
-TEST_F(World, ChangeMarksTheBlocksWithinFiveSamplesAndDrawingRemovesTheMarks)
+TEST_F(World, ChangeMarksBlocksWithinFiveSamplesAlongOneAxisAndDrawingRemovesTheMarks)
 {
     const struct
     {

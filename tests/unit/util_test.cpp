@@ -16,7 +16,7 @@ TEST(Util, ScalarHelpersGiveKnownValues)
         {"hypotenuse whose square is beyond float", pithag(3e30f, -4e30f) / 5e30, 1},
         {"angle of a cosine above 1", clampedAcos(1.1), 0},
         {"angle of a cosine below -1", clampedAcos(-1.1), PI},
-        {"heading between equal x and z", findDirection({5, 1, 9}, {5, 7, 9}), 0},
+        {"heading to a point straight above", findDirection({5, 1, 9}, {5, 7, 9}), 0},
         {"heading along +x and +z", findDirection({5, 1, 9}, {9, 7, 12}), 36.86990},
         {"heading along -x and +z", findDirection({5, 1, 9}, {2, 7, 13}), 126.86990},
         {"heading along -x and -z", findDirection({5, 1, 9}, {1, 7, 6}), 216.86990},
@@ -50,7 +50,7 @@ TEST(Util, QuaternionAndAxisGiveTheSameRotation)
     EXPECT_TRUE(isNear(matrixVectorMultiply(turn, {49, 98, 49}), {-101, 22, 61}, 1e-4));
 }
 
-TEST(Util, QuaternionWithoutATurnOrALengthIsNoRotation)
+TEST(Util, IdentityAndZeroQuaternionsAreNoRotation)
 {
     float angle;
     Vector axis;
@@ -70,7 +70,7 @@ TEST(Util, RigidTransformsAreStoredColumnByColumn)
     matrixMultiply(turn, move, product);
     Matrix3 star, transposed;
     createStarMatrix(star, {0, 0, 1});
-    star[8] = 1; // without this entry it would be the same quarter turn, but flat
+    star[8] = 1; // now a quarter turn about z: the star matrix of z itself sets z to 0
     createOpenGLTransform(star, &turnedMove, rigid);
     matrixTranspose(star, transposed);
     for (int i = 0; i < 16; ++i)

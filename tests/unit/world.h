@@ -4,8 +4,9 @@
 #include "animate.h"
 #include "fixtures.h"
 
-// Flat land at height 0, of one colour, 210 samples along x and 190 along z, with the cube high
-// above it. The clock shows 0. People and tanks turn back 625 units from the middle of the land.
+// The land is flat at height 0, of one colour, and has 210 samples along x and 190 along z. The
+// cube is where every game starts, in the air and outside of this small land. The clock shows 0.
+// People and tanks turn back 625 units from the middle of the land.
 struct World : EmptyWorld
 {
     World()
@@ -20,7 +21,7 @@ struct World : EmptyWorld
         makeList(peopleLst, 0, 512, 401, 25); // buckets of 51 units
         fakeTicks = 0;
         initAnimation();
-        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // it remembers the time, now 0
+        animate(&cb, peopleLst, tankLst, &cam, &ter, shotLst); // the next step begins at time 0
         gameOver = 0;
         cb = {};
         initCube(&cb);

@@ -1,11 +1,12 @@
 #!/bin/bash
 # fresh_root.sh [RELEASE] - uses the commit that is checked out as a new user would, in a fresh
 # minimal Debian of this release (bookworm, trixie; by default the one that runs here). An ordinary
-# user with sudo runs ./play and ./check there and builds the package. In a second fresh Debian, which
-# has nothing else, the package is installed with apt-get, the installed game is played with the SDL
-# 1.2 of the release and with the one that is built on SDL 2, and the package is purged. Prints a row
-# for the table in docs/robustness.md. Needs root, 4 GB in the folder for temporary files and some 10
-# minutes, and fetches from the archives of Debian. It changes nothing in the checkout.
+# user with sudo runs ./play and ./check there and builds the package. In a second fresh Debian,
+# which has nothing else, the package is installed with apt-get, the installed game is played, and
+# the package is purged. The game is played with the SDL 1.2 of the release and with sdl12-compat,
+# which offers SDL 1.2 on top of SDL 2. Prints a row for the table in docs/robustness.md. Needs
+# root, 4 GB in the folder for temporary files and some 10 minutes, and fetches from the archives of
+# Debian. It changes nothing in the checkout.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
@@ -19,7 +20,7 @@ cleanUp()
     closeRoot
 }
 
-timed() # NAME COMMAND...: also keeps the seconds in took
+timed() # NAME COMMAND...: runs the command and stores its seconds in the array took
 {
     local name=$1 start=$SECONDS
     shift
@@ -28,7 +29,7 @@ timed() # NAME COMMAND...: also keeps the seconds in took
     printf '%-8s %4d s\n' "$name" "${took[$name]}"
 }
 
-everyFile() # of the root but logs and caches
+everyFile() # prints all files of the root except logs and caches
 {
     find "$root" -xdev -path "$root/var/log" -prune -o -path "$root/var/cache" -prune -o \
         -printf '%P %M %u\n' | sort

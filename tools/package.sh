@@ -6,12 +6,12 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
 
-# Prints the time that the package is stamped with: that of the commit, or in a tree without a
-# repository that of the newest entry in packaging/debian/changelog.
+# Prints the time that all files in the package get: the time of the commit. A tree without a
+# repository takes the time of the newest entry in packaging/debian/changelog.
 timeOfSource()
 {
     if [[ -e .git ]]; then
-        git log -1 --format=%ct || fail "git cannot read the time of the commit, as it says above"
+        git log -1 --format=%ct || fail "git cannot read the time of the commit; see above"
     else
         dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp
     fi

@@ -11,16 +11,16 @@ export LC_ALL=C # for the decimal point
 LAND=$PWD/data
 TAKEN=build/candidates
 KEPT=docs/pictures
-LAST_START=270      # seconds; no game is started after that
+LAST_START=270      # seconds after which no game is started
 SHORE_GAMES=4       # at most, in which the cube heads for water
 RECORDED=14         # seconds of each other game
 RATE=12             # frames per second of the moving picture
 FILM=7              # seconds of the moving picture
 LARGEST_FILM=3000000 # bytes
-SAMPLE=6            # One frame in so many is searched for people and shots.
-PEOPLE=0.004        # the share of their pixels in a crowd; half as much in the moving picture
-FIRE=0.0001         # the share of pixels of shots in a fight
-SHARE='%[fx:mean]'  # the share of white in a black and white picture
+SAMPLE=6            # frames, of which one is searched for people and shots
+PEOPLE=0.004        # the least share of pixels that people() finds in a crowd; half in the film
+FIRE=0.0001         # the least share of pixels that fire() finds in a fight
+SHARE='%[fx:mean]'  # the share of white pixels in a black and white picture
 
 # ---- playing ------------------------------------------------------------------------------------
 
@@ -83,9 +83,10 @@ record()
 
 # ---- judging ------------------------------------------------------------------------------------
 
-# Adds to the line of each frame: 1 if the game is not over and the cube is on the land, else 0; the
-# number of steps before it that took longer than 50 ms; and 1 if the cube has just touched the
-# ground, else 0.
+# Adds three columns to the line of each frame:
+# - good: 1 if the game is not over and the cube is on the land, else 0;
+# - slow: the number of earlier steps that took longer than 50 ms;
+# - rolls: 1 if the cube touched the ground in one of the last eight steps, else 0.
 judgeFrames()
 {
     awk -v half=$(($(sideOf "$LAND/Map.tga") * 25 / 2)) '
@@ -101,13 +102,13 @@ judgeFrames()
         "$TAKEN/track" "$TAKEN/frames"
 }
 
-people() # PICTURE: people are the black in its lower part
+people() # PICTURE: prints the share of black pixels in the lower part, which show people
 {
     convert "xwd:$1" -gravity south -crop 100x55%+0+0 -threshold 6% -negate -colorspace gray \
         -format "$SHARE" info:
 }
 
-fire() # PICTURE: only the tips of shots glow in this colour
+fire() # PICTURE: prints the share of pixels in the colour that only the tips of shots have
 {
     convert "xwd:$1" -fuzz 9% -fill black +opaque '#ffcc66' -fill white -opaque '#ffcc66' \
         -colorspace gray -format "$SHARE" info:
@@ -126,9 +127,9 @@ searchFrames()
     done
 }
 
-# Prints the value, the first and the last frame of the best seconds. In them the game is not over,
-# the cube is on the land and rolls in half of the frames or more, one step in twenty at most took
-# longer than 50 ms, half of the searched frames show people, and two show shots.
+# Prints the value, the first and the last frame of the best seconds for the moving picture. All
+# frames of these seconds are good, and the cube rolls in at least half of them. At most one step in
+# twenty is slow. At least half of the searched frames show people, and at least two show shots.
 bestSeconds()
 {
     awk -v frames=$((RATE * FILM)) -v people="$PEOPLE" -v fire="$FIRE" '
@@ -162,8 +163,8 @@ isMore() # NUMBER NUMBER
     awk -v a="$1" -v b="$2" 'BEGIN { exit !(a + 0 > b + 0) }'
 }
 
-# Keeps the frame with the largest value of all games, if the value is above the limit. In the first
-# second of a game the cube has hardly begun to roll.
+# Keeps the frame with the largest value of all games, if the value is above the limit. Frames of
+# the first second are left out, since the cube has hardly begun to roll.
 keepBest() # NAME COLUMN LIMIT
 {
     local value file
@@ -205,7 +206,7 @@ judge()
 
 # ---- the shore ----------------------------------------------------------------------------------
 
-# A line for each sample row, with 1 where the land has the blue of water. Rows run along x.
+# Writes a line for each row of samples, with a 1 for each sample that has the blue of water.
 findWater()
 {
     od -An -v -tu1 -w4 -j18 "$LAND/MapTex.tga" | awk -v side="$(sideOf "$LAND/Map.tga")" '
@@ -254,7 +255,7 @@ steerToWater()
     done
 }
 
-# The game is over, or a step that took too long has thrown the cube.
+# Succeeds if the game is over or if a step that took too long has thrown the cube.
 isLost()
 {
     tail -c 4000 "$TAKEN/err" | track - | awk '{ lost = $9 || $3 > 1600 } END { exit !lost }'
@@ -335,7 +336,7 @@ keep() # NAME
     echo "$KEPT/$1.jpg"
 }
 
-# Prints the arguments that show each frame as long as the game did, one to a line.
+# Prints arguments for convert, one in a line, that show each frame as long as the game showed it.
 frameArguments()
 {
     awk -v rate="$RATE" -v folder="$TAKEN/film/" '

@@ -16,8 +16,8 @@ runningRelease()
     (. /etc/os-release && echo "${VERSION_CODENAME-}")
 }
 
-# Prints the archives that apt-get is set up for here, for another release. Prints nothing on a
-# machine that is no Debian; mmdebstrap then uses deb.debian.org.
+# Prints the sources of apt-get on this machine, with the given release in place of the running one.
+# Prints nothing on a machine that is no Debian; mmdebstrap then uses deb.debian.org.
 archives() # RELEASE
 {
     apt-get indextargets --format "deb \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
@@ -81,8 +81,8 @@ inRoot() # USER COMMAND...
     inside=''
 }
 
-# Makes the ordinary user, and gives them the files of the commit that is checked out here. Changes
-# that are not committed do not take part.
+# Makes the ordinary user and copies the files of the commit that is checked out here to that user's
+# folder. Changes that are not committed are left out.
 addSource()
 {
     inRoot root useradd -m -s /bin/bash "$DEVELOPER"

@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2034 # the scripts that source this file use its variables
 # virtual.sh - runs the real game on a virtual display, presses keys and reads what the game prints.
 # Sourced. A script that calls openDisplay calls closeDisplay when it ends, best in a trap for EXIT.
-# Each game needs a display of its own: two games on one display wait for each other's keyboard.
+# Two games must not run on one display at the same time: each would wait for the other's keyboard.
 
 COLOURS_OF_A_WORLD=50 # A picture with fewer colours shows no land and no sky.
 
@@ -31,16 +31,16 @@ openDisplay() # FOLDER
 {
     scratch=$1
     rm -f "$scratch/display"
-    # With -noreset the server goes on when its last client leaves: a server that starts over
-    # sometimes refuses the next game. With -r a held key is pressed once, so that the game never
-    # sees it released in between.
+    # With -noreset the server is not reset when its last client leaves: a server that is reset
+    # sometimes refuses the next game. With -r a held key does not repeat, so that the game never
+    # sees the key released in between.
     Xvfb -displayfd 3 -noreset -r -nocursor -nolisten tcp -fbdir "$scratch" \
         -screen 0 1024x768x24 3>"$scratch/display" >"$scratch/server" 2>&1 &
     serverPid=$!
     waitFor 20 hasDisplay && [[ -s $scratch/display ]] ||
         complain "the virtual display does not start:" "$(tail -n 3 "$scratch/server")" || return
     DISPLAY=:$(cat "$scratch/display")
-    export DISPLAY SDL_VIDEODRIVER=x11 # SDL on SDL 2 may otherwise open a window on the desktop.
+    export DISPLAY SDL_VIDEODRIVER=x11 # SDL 2 might otherwise open a window on a Wayland desktop.
 }
 
 stop() # SIGNAL [PID]
@@ -63,7 +63,7 @@ startGame() # PROGRAM FOLDER [VARIABLE=VALUE...]
     shift 2
     rm -f "$scratch/out" "$scratch/err"
     touch "$scratch/out" "$scratch/err"
-    # A background job of a shell ignores SIGINT unless told otherwise.
+    # A shell makes its background jobs ignore SIGINT; env undoes this.
     (cd "$folder" && exec env --default-signal=INT "$@" "$program") \
         >"$scratch/out" 2>"$scratch/err" </dev/null &
     gamePid=$!
@@ -99,14 +99,14 @@ hasBlocks() # COUNT
     hasEnded || (($(countBlocks) >= $1))
 }
 
-waitForBlocks() # COUNT: waits until the game has printed so many more
+waitForBlocks() # COUNT: waits until the game has printed this number of further blocks
 {
     waitFor 30 hasBlocks $(($(countBlocks) + $1)) ||
         complain "the game prints nothing while I is held" || return
     isRunning
 }
 
-askForBlocks() # COUNT: holds I until the game has printed so many more
+askForBlocks() # COUNT: holds I until the game has printed this number of further blocks
 {
     xdotool keydown i
     waitForBlocks "$1" || return
@@ -133,8 +133,10 @@ cubeVector() # NAME: prints x, y and z of this vector in the newest block
 
 # Prints one line for each block: the last step in milliseconds, the position of the cube, the
 # position of the camera, 1 from the landing on, 1 from the end of the game on, and 1 when the cube
-# touches the ground. In a game that is over, gravity and the old momentum are gone: the momentum is
-# the force of the step before times the step. Three such steps in a row never happen in play.
+# touches the ground. The game does not print when it is over, so this is found from the momentum.
+# In play, each step adds gravity and the contact force to the momentum. After game over, the
+# momentum is only the last force times the step. The game is over when that is so in three steps in
+# a row.
 track() # FILE, which is what the game printed
 {
     awk -F '[(,)]' '
@@ -168,8 +170,9 @@ hold() # KEY SECONDS
     xdotool keyup "$1"
 }
 
-# Copies the file in which the server keeps the screen, which costs the game next to nothing. A copy
-# that equals the screen afterwards holds no half of another frame.
+# Copies the file in which the server keeps the screen, which hardly slows the game down. If the
+# screen has changed meanwhile, the copy may show parts of two frames, and the screen is copied
+# again.
 copyScreen() # FILE
 {
     local attempt
@@ -200,7 +203,7 @@ hasLanded()
     hasEnded || awk '/^\tForce/ && !/\(0,0,0\)/ { landed = 1 } END { exit !landed }' "$scratch/err"
 }
 
-waitForLanding() # while I has been held since the start
+waitForLanding() # I must have been held since the start of the game.
 {
     waitFor 60 hasLanded || complain "the cube does not land" || return
     isRunning

@@ -39,12 +39,13 @@ showsAWorld()
     showsAWorldAndEnds
 }
 
-isTrueOf() # PART EXPRESSION, which computes with the average colours of this part of the picture
+isTrueOf() # PART EXPRESSION: evaluates the expression for the colours in this part of the picture
 {
     (($(convert "$scratch/picture.png" -crop "$1" -format "%[fx:$2]" info:)))
 }
 
-# The upper edge is blue. The lower edge is not; it is neither dark, nor bright, nor of one colour.
+# The upper edge must be blue. The lower edge must not be blue, very dark, very bright or of one
+# colour.
 showsSkyAboveLand()
 {
     grab "$scratch/picture.png" && isTrueOf 1024x60+0+0 'mean.b - mean.r > 0.15' &&
@@ -58,8 +59,8 @@ isLow()
     read -r _ y _ < <(cubeVector Position) && ((y < 600))
 }
 
-# At first the eye looks up into the sky. After the landing, slow frames can make the cube bounce,
-# and the view jumps with the cube. So the game is stopped shortly before the cube lands.
+# At the start the camera looks up into the sky. After the landing, slow frames can make the cube
+# bounce, and the view moves with the cube. So the game is stopped shortly before the cube lands.
 pictureShowsSkyAboveLand()
 {
     local attempt

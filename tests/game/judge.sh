@@ -7,7 +7,7 @@ source "$judge/../../tools/virtual.sh"
 expectLines() # head|tail FILE: standard error begins (head) or ends (tail) with these lines
 {
     diff "$2" <("$1" -n "$(wc -l <"$2")" "$scratch/err") ||
-        complain "the $1 of standard error is not that of $2"
+        complain "the lines of $2 are not at the $1 of standard error"
 }
 
 expectOrderlyEnd() # FILE: standard error ends with these lines, and standard output is empty
@@ -18,7 +18,7 @@ expectOrderlyEnd() # FILE: standard error ends with these lines, and standard ou
     diff /dev/null "$scratch/out" || complain "there is something on standard output"
 }
 
-showsAWorldAndEnds() # once startGame has started it
+showsAWorldAndEnds() # startGame must have started the game.
 {
     local side
     waitForPlay
@@ -34,7 +34,7 @@ showsAWorldAndEnds() # once startGame has started it
 }
 
 # Starts the launcher in a folder that has nothing to do with the game.
-playsInstalled() # LAUNCHER [COMMAND...], which runs the launcher
+playsInstalled() # LAUNCHER [COMMAND...]: a command, such as chroot, that runs the launcher
 {
     startGame "$1" / "${@:2}"
     showsAWorldAndEnds

@@ -1,5 +1,5 @@
-// Preloaded for the leak checker, so that the OpenGL driver is not unloaded at the end: the checker
-// could not tell whose memory it is that an unloaded driver has not freed.
+// This library is preloaded for the leak checker and keeps the OpenGL driver loaded to the end. If
+// a library has been unloaded, the checker can no longer tell that a leak comes from this library.
 extern "C" int dlclose(void *)
 {
     return 0;

@@ -14,19 +14,19 @@ newestVersions() # of the program, the package, the changelog and the metadata
     sed -n '/.*<release version="\([^"]*\)".*/ { s//\1/p; q }' packaging/tumbledown.metainfo.xml
 }
 
-# The project has no homepage. Only AppStream 1.0 warns of that, and earlier versions refuse to
-# override a warning that they do not know.
+# The project has no homepage. AppStream 1.0 warns of that. The warning is ignored here and not by
+# an option of appstreamcli, since earlier versions do not know the warning and refuse the option.
 metadataHasNoFault()
 {
     local told
     told=$(appstreamcli validate --no-net packaging/tumbledown.metainfo.xml || true)
     echo "$told"
-    [[ $told == *Validation* ]] || fail "appstreamcli does not judge the metadata"
+    [[ $told == *Validation* ]] || fail "appstreamcli printed no result"
     ! grep '^[EW]:' <<<"$told" | grep -v ' url-homepage-missing$' || fail "the metadata has faults"
 }
 
-# Later versions of lintian repeat the warnings of appstreamcli under a tag that Debian 12's does not
-# know and therefore refuses.
+# Later versions of lintian repeat the warnings of appstreamcli under this tag. The lintian of
+# Debian 12 does not know the tag and refuses to suppress it.
 packageHasNoFault()
 {
     local tag=appstream-metadata-validation-failed
@@ -78,7 +78,7 @@ paintsALandAndPlaysIt()
     startGame "$scratch/root/usr/games/tumbledown" / FOLDER="$scratch/a land" \
         sh -c 'exec "$0" "$FOLDER"'
     waitForPlay
-    grep -q 'Width: 351, height: 351' "$scratch/err" || fail "another land is played"
+    grep -q 'Width: 351, height: 351' "$scratch/err" || fail "the game plays another land"
     xdotool keydown Escape
     expectOrderlyEnd quit.txt
     xdotool keyup Escape
@@ -91,7 +91,7 @@ refusesWhatCannotBePlayed()
     mkdir "$scratch/empty" "$scratch/bare"
     cp data/Map.tga data/MapTex.tga data/TexCube.tga "$scratch/bare"
     while IFS='|' read -r status arguments line; do
-        # shellcheck disable=SC2086 # words
+        # shellcheck disable=SC2086 # the arguments are separate words
         told=$(cd "$scratch" && DISPLAY=:999 root/usr/games/tumbledown $arguments 2>&1;
             echo "status $?")
         diff <(echo "${line/SHIPPED/$scratch/root/usr/share/games/tumbledown}"; echo "status $status") \

@@ -20,12 +20,12 @@ constexpr float CLOSE = 200;        // units; keeps the attraction of the neares
 constexpr double LOOK_STEP = 0.5;   // seconds between the places where a player expects to be
 constexpr double FORESIGHT = 4;     // seconds until the last of these places
 constexpr double SLOWEST = 150;     // units/s that a player expects to reach at least
-constexpr double DREADED = 700;     // units; the firing range of a tank and 200 to spare
+constexpr double DREADED = 900;     // units; the firing range of a tank and 400 to spare
 constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // units and degrees; see isPrey
 
 // A heading is worth the attraction of the people there, less the turn in degrees times TURNING and
-// the danger times FEAR. The lives hardly change when FEAR is three times as large.
-constexpr double TURNING = 0.002, FEAR = 0.3;
+// the danger times FEAR. A player with three times the FEAR finds fewer people and lives no longer.
+constexpr double TURNING = 0.002, FEAR = 1;
 
 static double goal = 0; // heading in degrees
 static float nextDecision = 0;

@@ -87,7 +87,7 @@ cp -a "$root" "$scratch/minimal"
 addSource
 timed play develop ./play
 timed check develop ./check
-grep -E '^[a-z]+ +[0-9]+ s$|^Everything|tests passed|left out' "$scratch/log" || true
+grep -E '^[a-z]+ +[0-9]+ s$|^All checks|tests passed|left out' "$scratch/log" || true
 buildPackage
 showVersions
 openDisplay "$scratch"

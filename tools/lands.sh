@@ -2,13 +2,13 @@
 # lands.sh - paints twelve lands and shows them from above, with their seeds, on one picture:
 # docs/pictures/lands.jpg.
 #
-#     tools/lands.sh [SIDE]    # 751 samples along each side if no other number is given
+#     tools/lands.sh [SIDE]    # 801 samples along each side if no other number is given
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 source tools/setup.sh
 
 LAND=build/lands/tools/paint/tumbledown-land
-SIDE=${1-751}
+SIDE=${1-801}
 SEEDS=({1..12})
 SHEET=docs/pictures/lands.jpg
 FONT=/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf

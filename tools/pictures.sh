@@ -195,7 +195,7 @@ keepBestSeconds()
 judge()
 {
     judgeFrames | searchFrames >"$TAKEN/judged"
-    if [[ -z ${best[landing]-} ]] && awk 'NR == 1 { exit !$4 }' "$TAKEN/judged"; then
+    if [[ -z ${best[landing]-} ]] && awk 'NR == 1 { good = $4 } END { exit !good }' "$TAKEN/judged"; then
         best[landing]=1
         mv "$TAKEN/touchdown.xwd" "$TAKEN/landing.xwd"
     fi

@@ -108,9 +108,11 @@ waitForBlocks() # COUNT: waits until the game has printed this number of further
 
 askForBlocks() # COUNT: holds I until the game has printed this number of further blocks
 {
+    local status=0
     xdotool keydown i
-    waitForBlocks "$1" || return
+    waitForBlocks "$1" || status=$?
     xdotool keyup i
+    return $status
 }
 
 hasStarted()

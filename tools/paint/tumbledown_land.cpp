@@ -23,7 +23,7 @@ constexpr int STAGES = 12; // stages of the painters when the land is grown only
 constexpr int SMALLEST_SIDE = 351; // samples
 constexpr int LARGEST_SIDE = 1501;
 constexpr int SIDE_STEP = 25;
-constexpr int SHIPPED_SIDE = 751;
+constexpr int SHIPPED_SIDE = 801;
 
 constexpr int REFUSED = 2;
 

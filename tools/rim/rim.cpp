@@ -29,7 +29,7 @@ constexpr float RIM = 70 * 25; // units from the edge; people turn back at 2000,
 constexpr int MOST_LEAVE = 46, MOST_LEAVE_SMALL = 12, MOST_TRAPPED = 8;
 
 constexpr char MEND_SIDE[] = "Make the side of the maps a multiple of 25 plus one, such as 501, "
-                             "751 or 1001 pixels.";
+                             "801 or 1001 pixels.";
 constexpr char MEND_CLIFF[] = "Put a cliff around the land that rises from 0 to 255 in one pixel, "
                               "24 pixels from the edges, with at least 12 flat pixels before it.";
 constexpr char MEND_BRINK[] = "Straighten narrow bays and zigzags of the cliff, because they are "

@@ -141,7 +141,7 @@ static Vector bestPlace(const Scene &scene)
     return best;
 }
 
-// Puts a resting cube at the place of the scene, and the eye where it would come to rest.
+// Puts a resting cube at the place of the scene. Puts the eye where the eye would come to rest.
 static void arrange(const Scene &scene)
 {
     static std::map<const Scene *, Vector> found;

@@ -38,7 +38,8 @@ constexpr float LARGEST_SIZE = 250.0f; // a greater targetSize is reduced to thi
 constexpr int CUBE_CORNERS = 8;        // numbered 1 to 8; k and k + 4 differ only in x
 
 // Life cycle. initCube loads TexCube.tga from the working directory, reporting on standard error;
-// without the picture the cube is drawn untextured. Without an OpenGL context texture is not set.
+// without the picture the cube is drawn untextured. The name of the texture is set only if there is
+// an OpenGL context.
 void initCube(Cube *cube);
 void destroyCube(Cube *cube);
 void setInertia(Cube *cube); // computes inertia and inverseInertia from mass and size

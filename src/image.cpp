@@ -46,7 +46,8 @@ static long bytesLeft(FILE *stream)
     return fseek(stream, here, SEEK_SET) == 0 ? end - here : -1;
 }
 
-// tgaLoad opens neither: opening a pipe waits for a writer, and reading a device may never end.
+// tgaLoad opens no pipes and no devices: opening a pipe waits for a writer, and reading a device
+// may never end.
 static bool isPipeOrDevice(const char *path)
 {
     struct stat info;

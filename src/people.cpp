@@ -21,8 +21,8 @@ constexpr float GROWTH_PER_PERSON = 1.0f;
 constexpr int SCORE_PER_PERSON = 10;
 constexpr float FEET_ABOVE_GROUND = 1.0f;
 
-// The two sides of the picture board as which a person is drawn when TRANSPARENCY is 1. All people
-// share these images; this module owns them.
+// When TRANSPARENCY is 1, a person is drawn as a board with a picture on each side. All people
+// share these two images; this module owns them.
 static TgaImage *frontPicture = nullptr;
 static TgaImage *backPicture = nullptr;
 
@@ -253,7 +253,8 @@ static bool isWithin(Span span, float value)
     return span.low < value && value < span.high;
 }
 
-// Whether somebody is closer than the radius. One axis mostly decides that without a square root.
+// Whether somebody is closer than the radius. Each axis is compared first: that avoids the square
+// root for most people.
 static bool isNearby(float dx, float dz)
 {
     return mod(dx) < FLEE_RADIUS && mod(dz) < FLEE_RADIUS && pithag(dx, dz) < FLEE_RADIUS;

@@ -94,7 +94,7 @@ static int refuseMaps(const TgaImage *heights, const TgaImage *colours)
     return 0;
 }
 
-// Checks the two maps against each other and against what the mapping of pixels to samples needs.
+// Checks whether the two maps fit together and have a size and a format that the land can use.
 static int acceptMaps(TgaImage *heights, const TgaImage *colours)
 {
     if (!heights || heights->status != TGA_OK || !colours || colours->status != TGA_OK)

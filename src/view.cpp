@@ -32,16 +32,16 @@ struct View
 } // namespace
 
 constexpr double SLACK = 1.0; // units by which single precision may misplace a vertex
-// OpenGL clips at the far plane where the clip coordinate z is greater than w. Both are about as
-// large as far and have a rounding error of single precision. With the near plane at 1, their
-// difference changes by only 2 / far per unit of distance. The error can therefore move the far
-// plane by many units.
+// OpenGL clips at the far plane where the clip coordinate z is greater than w. There both are about
+// as large as the distance of the far plane and have a rounding error of single precision. With the
+// near plane at 1, their difference changes by only 2 / far per unit of distance. The error can
+// therefore move the far plane by many units.
 constexpr double CLIP_ROUNDING = 2e-7; // more than the relative spacing of floats, 1.2e-7
-constexpr double REACH = 10000;        // units from the origin to the end of the land
+constexpr double REACH = 10000;        // units; somewhat over half the side of the land in data/
 // Pixels. Shadow prisms end ten million units away, where single precision is coarse.
 constexpr double PIXEL_SLACK = 8.0;
-// A view is set if the horizontal part of the unit vector ahead is longer than this. In a shorter
-// one, the rounding error would visibly turn the picture.
+// A view is set if the horizontal part of the unit vector ahead is longer than this. If this part
+// were shorter, its rounding error would visibly turn the picture.
 constexpr double STEEPEST = 0.002;
 
 static View view;

@@ -18,7 +18,7 @@ RATE=12             # frames per second of the moving picture
 FILM=7              # seconds of the moving picture
 LARGEST_FILM=3000000 # bytes
 SAMPLE=6            # frames, of which one is searched for people and shots
-PEOPLE=0.004        # the least share of pixels that people() finds in a crowd; half in the film
+PEOPLE=0.004        # the least share of pixels that people() finds in a crowd; the film needs half
 FIRE=0.0001         # the least share of pixels that fire() finds in a fight
 SHARE='%[fx:mean]'  # the share of white pixels in a black and white picture
 
@@ -36,7 +36,8 @@ begin()
 
 finish()
 {
-    waitForBlocks 4 || fail "the game stopped answering" # They may show that the game is over.
+    # Only the blocks after a frame can show whether the game was over when the frame was copied.
+    waitForBlocks 4 || fail "the game stopped answering"
     track "$TAKEN/err" >"$TAKEN/track"
     closeDisplay
 }

@@ -1,7 +1,8 @@
 # shellcheck shell=bash disable=SC2034 # the scripts that source this file use its variables
 # virtual.sh - runs the real game on a virtual display, presses keys and reads what the game prints.
 # Sourced. A script that calls openDisplay calls closeDisplay when it ends, best in a trap for EXIT.
-# Two games must not run on one display at the same time: each would wait for the other's keyboard.
+# Two games must not run on one display at the same time: a game takes the keyboard for itself, and
+# the other game waits until the keyboard is free.
 
 COLOURS_OF_A_WORLD=50 # A picture with fewer colours shows no land and no sky.
 
@@ -135,10 +136,9 @@ cubeVector() # NAME: prints x, y and z of this vector in the newest block
 
 # Prints one line for each block: the last step in milliseconds, the position of the cube, the
 # position of the camera, 1 from the landing on, 1 from the end of the game on, and 1 when the cube
-# touches the ground. The game does not print when it is over, so this is found from the momentum.
-# In play, each step adds gravity and the contact force to the momentum. After game over, the
-# momentum is only the last force times the step. The game is over when that is so in three steps in
-# a row.
+# touches the ground. The game does not print that it is over, but the momentum shows it. In play,
+# each step adds gravity and the contact force to the momentum. After game over, the momentum is
+# only the last force times the step. The game is over when that is so in three steps in a row.
 track() # FILE, which is what the game printed
 {
     awk -F '[(,)]' '

@@ -193,7 +193,7 @@ static bool isWithin(int sample, int period, int first, int last)
     return first <= sample % period && sample % period <= last;
 }
 
-// Near such a sample only one patch and one repeat of the texture give the colour of a pixel.
+// Near such a sample all ground lies in one patch and in one repetition of the texture.
 static bool isInsideOneColour(int x, int z)
 {
     return isWithin(x, PATCH, 2, 13) && isWithin(z, PATCH, 2, 13) && isWithin(x, REPEAT, 2, 19) &&
@@ -344,7 +344,8 @@ TEST_F(Frame, ShotGlowsAtItsHeadAndLetsTheBackgroundThroughAtItsTail)
         const float head = (model.x / 3 + 12) / 16; // share of the colour of the head
         const float tail = 1 - head;                // of the tail, whose alpha is 0
         const Rgb behind = seen(bare, at);
-        // The head glows in 1, 0.8, 0.4 and the tail in 0.5, 0, 0. Ambient light adds 0.3 of that.
+        // The head emits the colour (1, 0.8, 0.4) and the tail (0.5, 0, 0). Ambient light adds 0.3
+        // times the same colour.
         const Rgb glow = {uint8_t(255 * head + std::min(166.0f + behind[0], 255.0f) * tail),
                           uint8_t(255 * head + behind[1] * tail),
                           uint8_t(133 * head + behind[2] * tail)};

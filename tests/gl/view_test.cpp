@@ -100,7 +100,7 @@ TEST_F(WholeWorld, LeavingOutWhatIsOutOfViewChangesNoPixel)
     {
         drawFrom(place);
         EXPECT_EQ(screenArea(&cb.position, 1, 800, 400).width, 800)
-            << "the view is still set after the frame";
+            << "the frame does not clear the view that it has set";
         const Picture drawn = look();
         ASSERT_TRUE(glIsEnabled(GL_ALPHA_TEST));
         drawAllInRange();

@@ -52,7 +52,7 @@ hasTheRightFiles()
 {
     diff tests/package/files.txt <(dpkg-deb -c "$package" | awk '!/^d/ { print $1, $2, $6 }')
     dpkg-deb -f "$package" Depends | grep -q 'libsdl1.2debian (.*) | libsdl1.2-compat-shim' ||
-        fail "the package does not depend on either SDL"
+        fail "the dependencies do not name SDL 1.2 and sdl12-compat as alternatives"
 }
 
 isHardened()

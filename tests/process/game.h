@@ -9,8 +9,8 @@
 
 struct Play
 {
-    // Escape is held after this number of frames. With 0, people are picture boards and the game
-    // quits after its start.
+    // Escape is held after this number of frames. If it is 0, the game quits right after its start,
+    // and people are drawn as pictures.
     int frames = 0;
     // Called before each frame, and once more before Escape is held.
     std::function<void(int frame)> script = [](int) {};
@@ -48,8 +48,10 @@ std::string playGame(const Play &script);
 // For scripts, in the child process. A condition that is false ends the child with status 1.
 void require(bool condition, const char *fault);
 std::vector<Person> crowd(); // everybody who is alive
-void requireWholeWorld();    // nobody is in the lists twice; the score matches the crushed
-void rollAround();           // holds keys that roll the cube from place to place
+// Requires that nobody is in the lists twice, that the newest shot is the first, that the game
+// counts its people correctly and that the score matches the numbers of crushed people and tanks.
+void requireWholeWorld();
+void rollAround(); // holds keys that roll the cube from place to place
 
 // Writes an image whose pixels show a pattern. bytes is the size of the pixels in the file, which
 // need not agree with the header.

@@ -32,9 +32,9 @@ TEST_F(Process, NobodyIsLostWhateverTheClockShowsAndWhereverTheCubeIs)
     }
 }
 
-// Figures of a game at two of its frames. Each frame takes 0.02 s. Those of people and tanks are
-// the sums of all their positions. After a deliberate change of the game, run the test: it fails
-// and prints the new rows of the table, which can be pasted here.
+// Figures of a game at two of its frames. Each frame takes 0.02 s. The figures of people and tanks
+// are the sums of all their positions. After a deliberate change of the game, run the test: it
+// fails and prints the new rows of the table, which can be pasted here.
 static const struct
 {
     int frame;

@@ -30,14 +30,15 @@ TEST_F(World, AccumulatedForcesMoveAndTurnTheCubeForOneStep)
     EXPECT_TRUE(isNear(cb.position, {0.02f, 1996.03f, -3999.96f}, 1e-3));
     EXPECT_TRUE(isNear(cb.angularVelocity, {2, 4, 6}, 1e-4));
     // The step adds (0, 0.1, 0.2, 0.3) times the old orientation to the orientation. The sum has
-    // the squared length 1.14 and is normalized. The factor here gives numbers without roots.
+    // the squared length 1.14 and is normalized. Times the root of 2 * 1.14, its components are
+    // decimal numbers.
     const Quaternion q = quaternionMultiplyFloat(cb.orientation, std::sqrt(2.28f));
     EXPECT_NEAR(q.w, 0.9, 1e-5);
     EXPECT_TRUE(isNear({q.x, q.y, q.z}, {1.1f, 0.5f, 0.1f}, 1e-5));
     EXPECT_TRUE(isNear(cb.force, {0, 0, 0}, 0) && isNear(cb.torque, {0, 0, 0}, 0));
 }
 
-TEST_F(World, SizeEasesTowardsItsTargetAndBelow50TheGameIsOver)
+TEST_F(World, SizeApproachesItsTargetAndTheGameIsOverBelow50)
 {
     const struct
     {
@@ -136,7 +137,7 @@ TEST_F(World, GroundKeepsItsShapeButStillPushesWhenDeformingIsOff)
     EXPECT_GT(cb.force.y, 0);
 }
 
-TEST_F(World, GroundPushesTheDeepestCornerAndTheDeepestOfThoseBeforeIt)
+TEST_F(World, GroundPushesTheDeepestCornerAndTheDeepestWithALowerNumber)
 {
     const struct
     {

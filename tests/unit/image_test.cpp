@@ -48,7 +48,8 @@ TEST_F(World, ImagesOfEveryDepthAreSavedAndLoadedAgain)
 
 TEST_F(World, GreyWeighsTheColoursAndMagentaBecomesTransparent)
 {
-    // Files hold blue, green and red. 0.3 * 128 + 0.59 * 128 + 0.11 * 128 falls short of 128.
+    // Files store blue, green and red. In floating point 0.3 * 128 + 0.59 * 128 + 0.11 * 128 is
+    // slightly less than 128, and the game cuts it to 127.
     writeFile("a.tga", tga(2, 3, 1, 24, {128, 128, 128, 254, 0, 255, 255, 0, 255}));
     writeFile("b.tga", tga(2, 1, 1, 32, {104, 200, 0, 9}));
     EXPECT_EQ(load("a.tga", tgaRGBtoGreyscale), Loaded(1, 3, 8, 3, 1, {127, 104, 104}));

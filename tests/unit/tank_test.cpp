@@ -31,7 +31,7 @@ TEST_F(World, EachEdgeSetsTheTargetHeadingOfTanksBeyondIt)
     }
 }
 
-TEST_F(World, TankEasesItsHeadingAndSpeedAndThenDrivesAhead)
+TEST_F(World, TankApproachesItsTargetHeadingAndSpeedAndThenDrivesAhead)
 {
     Tank tank = tankAt(0, {10, 20, 30});
     tank.heading = 30;

@@ -70,7 +70,7 @@ TEST(Util, RigidTransformsAreStoredColumnByColumn)
     matrixMultiply(turn, move, product);
     Matrix3 star, transposed;
     createStarMatrix(star, {0, 0, 1});
-    star[8] = 1; // now a quarter turn about z: the star matrix of z itself sets z to 0
+    star[8] = 1; // makes it a quarter turn about z; the star matrix of the z axis has 0 here
     createOpenGLTransform(star, &turnedMove, rigid);
     matrixTranspose(star, transposed);
     for (int i = 0; i < 16; ++i)

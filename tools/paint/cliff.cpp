@@ -1,7 +1,7 @@
 // The cliff that ends the land, from the boulders at its foot to the snow on its brink.
 #include "ground.h"
 
-// The game adds a strong white sheen to the cliff. Dark and full colours remain readable under it.
+// The game adds a strong white sheen to the cliff. Dark, saturated colours stay readable under it.
 constexpr Colour LAYERS[] = {hex(0xC87A3C), hex(0x7C4A38), hex(0xB89060),
                              hex(0x5C4450), hex(0xD89A4C), hex(0x8E5A4C)};
 constexpr Colour CRACK = hex(0x2A1C20);
@@ -9,7 +9,7 @@ constexpr Colour LEDGE = hex(0x5AA01C);
 constexpr Colour LICHEN = hex(0xD8941C);
 constexpr Colour BOULDERS = hex(0x8E8070);
 
-constexpr float LAYER_HEIGHT = 125; // units; the steepest part has a sample every 100 units
+constexpr float LAYER_HEIGHT = 125; // units; the steepest part rises 100 from sample to sample
 constexpr float TOP_SNOW = 0.86f;   // share of the height of the cliff where snow begins
 
 // The position along the coast in units. It is continuous at the corners of the land.

@@ -1,8 +1,8 @@
 #include "coast.h"
 
 // The game's smoothing limits how steep any ground can be. The cliff reaches that limit. In narrow
-// bends and corners the smoothing makes the cliff a ramp, so the cliff has only wide ones. The tool
-// rim counts the cubes that climb over the cliff.
+// bends and corners the smoothing makes the cliff a ramp, so all bends and corners of the cliff are
+// wide. The tool rim counts the cubes that climb over the cliff.
 constexpr float CLIFF_BRINK = 620;    // units from the edge of the land to the brink, on average
 constexpr float CLIFF_WIDTH = 25;     // from the brink to the foot
 constexpr float CLIFF_CORNER = 1000;  // radius; with wider or narrower corners more cubes climb

@@ -185,7 +185,8 @@ static Colour heathColour(const Spot &spot)
     return mix(HEATH, DRY_GRASS, 0.3f + 0.3f * spot.rough) * (1 + 0.2f * spot.grain);
 }
 
-// 0 open ground .. 1 wood at (x, z), a place near the sample. All but the noise is the sample's.
+// 0 open ground .. 1 wood at (x, z), a place near the sample. Only the noise is taken at this
+// place; all else is that of the sample.
 static float woodAt(const Spot &spot, float x, float z)
 {
     const float wood = fractal(x / 900, z / 900, 0, 4, 0.6f, layer(spot, 60));

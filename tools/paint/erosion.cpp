@@ -4,8 +4,8 @@ constexpr float DROPLETS = 1.27f; // droplets per sample; more of them dig deepe
 constexpr int DROPLET_STEPS = 40;
 constexpr float INERTIA = 0.08f; // share of its old direction that a droplet keeps
 constexpr float CAPACITY = 5;    // soil that a droplet can carry, per speed * water * fall
-constexpr float DEPOSIT = 0.3f;  // share of the soil above this limit that it leaves
-constexpr float EROSION = 0.35f; // share of the room below the limit that it takes up
+constexpr float DEPOSIT = 0.3f;  // share of the soil beyond its capacity that a droplet leaves
+constexpr float EROSION = 0.35f; // share of its free capacity that a droplet fills in a step
 constexpr float EVAPORATION = 0.02f;
 constexpr float FALL_TO_SPEED = 4;
 

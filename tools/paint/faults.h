@@ -3,7 +3,8 @@
 
 #include "land.h"
 
-// The most that the ground under a river lies above any ground upstream, in units.
+// The largest rise of a river's bed in the direction of the flow, in units: how far the bed lies
+// above the lowest point of the bed upstream.
 float largestRise(const Land &land, const Course &river);
 
 // Returns what is wrong with a land, or null: a landing place that is wet, steep or high, a closed

@@ -6,8 +6,8 @@
 #include "land.h"
 
 // The game lights the land dimly and from the eye. It adds a white sheen to slopes that face the
-// eye and multiplies everything with TexNoise. The colours are therefore brighter and fuller here
-// than on the screen.
+// eye and multiplies everything with TexNoise. The colours are therefore brighter and more
+// saturated here than on the screen.
 constexpr Colour FOREST = hex(0x24601A);
 constexpr Colour FOREST_LIGHT = hex(0x5A9630);
 constexpr Colour SCREE = hex(0xCFAE62);

@@ -7,7 +7,7 @@
 
 constexpr int SIZES[] = {16, 22, 24, 32, 48, 64, 96, 128, 256};
 constexpr int DETAILED = 64; // pixels; a smaller icon shows only the cube and the hill
-constexpr int GRAIN = 1024;  // samples along a side of an icon of any size
+constexpr int GRAIN = 1024;  // most samples along a side of an icon; each pixel has equally many
 
 constexpr Colour ZENITH = hex(0x1668C8);
 constexpr Colour HORIZON = hex(0x8FDCF6);

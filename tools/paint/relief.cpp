@@ -27,7 +27,7 @@ struct CountryShape // heights in units
     float level;   // of the plain
     float swell;   // height of waves of 1300 units
     float hummock; // height of waves of 340 units, which the rolling cube follows
-    float fold;    // height of ridges some hundred units apart, which stop shots
+    float fold;    // height of ridges several hundred units apart, which stop shots
     float terrace; // height of a step; 0: none
 };
 

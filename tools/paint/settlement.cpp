@@ -9,19 +9,19 @@ constexpr float VILLAGE_RADIUS[] = {150, 270};
 constexpr int SEARCH_STEP = 5;          // samples between the places that are tried
 constexpr float COAST_GAP = 420;        // least distance from a village to the fjord
 constexpr float WATER_GAP = 260;        // least distance from a village to a river or lake
-constexpr float WALK_TO_WATER = 1000;   // units to water that make a walk of 1 in meritOf
+constexpr float WALK_TO_WATER = 1000;   // units to the water that meritOf counts as a walk of 1
 constexpr float SALT = 0.8f;            // what the nearness of the fjord adds to the walk
 constexpr float LANDING_GAP = 650;      // least distance from a village to the landing place
 constexpr float GENTLE = 0.15f;         // slope of the ground under a village, at most
 constexpr float HIGHEST_VILLAGE = 330;  // height above which there are none
-constexpr float NEAREST_VILLAGE = 1750; // distance between two; 0.7 of it where that gives too few
+constexpr float NEAREST_VILLAGE = 1750; // least distance of two; 0.7 times that if too few fit
 
 constexpr int PACE = 3; // samples between neighbouring places of a walk; more on large lands
-constexpr float STEEPNESS = 45; // a slope makes a step 1 + STEEPNESS * slope * slope times as dear
+constexpr float STEEPNESS = 45; // a step costs 1 + STEEPNESS * slope * slope times as much
 constexpr float FORD = 350;     // cost of a step into a river, in units of level ground
 constexpr float SWIM = 5000;    // cost of a step into a lake
 constexpr float WORN = 0.5f;    // factor on the cost where there is a track already
-constexpr float DETOUR = 1.9f;  // times the cost of the direct way; a longer detour gets a link
+constexpr float DETOUR = 1.9f;  // factor on the cost of the direct way above which a link is added
 constexpr float TRACK_HALF_WIDTH = 15;
 
 namespace

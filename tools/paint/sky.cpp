@@ -61,7 +61,7 @@ struct Cloud
 struct Bank // clouds at the same distance
 {
     int count;
-    float base, spread;      // the undersides are at base to base + spread above the horizon
+    float base, spread;      // the undersides lie from base to base + spread above the horizon
     float narrowest, widest; // half widths
 };
 } // namespace

@@ -119,8 +119,8 @@ static void paintLinks(Canvas &atlas)
     }
 }
 
-// The outer side of a track. The front is at the left and lower: the upper edge of the track rises
-// from (15, 26) to (31, 31).
+// The outer side of a track. The front is at the left, and it is lower than the back: the upper
+// edge of the track rises from (15, 26) to (31, 31).
 static void paintTrackSide(Canvas &atlas)
 {
     fillBox(atlas, TRACK_SIDE, RUBBER);

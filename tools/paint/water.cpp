@@ -11,7 +11,7 @@ constexpr float SOURCE_FLOW = 3200;    // flow at which a river begins
 constexpr int SHORTEST_RIVER = 36;     // samples
 constexpr float MOUTH = 40;            // units by which a river's arm extends into the fjord
 constexpr size_t SHORTEST_ARM = 24;    // samples, length of an arm in a delta
-constexpr float RIVER_BANK = 190;      // from the water to where the valley floor is level again
+constexpr float RIVER_BANK = 190;      // from the middle of a river to where its banks end
 constexpr float MEANDER = 110;         // sway of rivers that have hardly any fall
 constexpr float WHITE_WATER[] = {0.25f, 0.42f}; // slope of the course: none .. all white
 constexpr float SHORE_RISE = 0.16f;             // slope of the ground around a lake
@@ -29,7 +29,7 @@ constexpr float LAKE_FLOW = 1500;   // lakes with less water dry up
 constexpr float SLIGHT_RISE = 1.5f; // units by which a river can run uphill without being noticed
 constexpr float DEEPENING = 1.2f;   // units by which a bed is lowered for each unit that it rises
 constexpr float FAR_SHORE = 2000;   // distance where no water is known
-constexpr float LANDING_WALL = 90;  // height of the imaginary wall in roughened
+constexpr float LANDING_WALL = 90;  // height of the imaginary wall in the function roughened
 
 // More rain falls on higher ground, and less on the dry highland.
 static Field rainOn(const std::vector<Field> &countries, const Field &height)
@@ -232,8 +232,8 @@ static void meander(const Plan &plan, Course &course)
     }
 }
 
-// Changes the levels of the course from the banks to the bed. The bed never rises downstream and is
-// nowhere below the mouth.
+// Lowers the levels of the course from those of the banks to those of the bed. The bed never rises
+// downstream and is nowhere below the mouth.
 static void digBed(Course &course, float mouthLevel)
 {
     float level = HEIGHT_RANGE;

@@ -24,8 +24,9 @@ constexpr int STEPS[] = {10, 20, 33}; // milliseconds
 constexpr float SECONDS = 120;        // of each run
 constexpr float RIM = 70 * 25; // units from the edge; people turn back at 2000, so few come here
 
-// The largest numbers of runs with which a land is still good to play on: 384 runs start in the
-// middle, 288 of them with cubes below the largest size, and 384 start near the edge.
+// How many runs may leave the land, and how many may be trapped, on a land that is still good to
+// play on. 384 runs start in the middle, 288 of them with cubes below the largest size. 384 further
+// runs start near the edge.
 constexpr int MOST_LEAVE = 46, MOST_LEAVE_SMALL = 12, MOST_TRAPPED = 8;
 
 constexpr char MEND_SIDE[] = "Make the side of the maps a multiple of 25 plus one, such as 501, "
@@ -34,8 +35,8 @@ constexpr char MEND_CLIFF[] = "Put a cliff around the land that rises from 0 to 
                               "24 pixels from the edges, with at least 12 flat pixels before it.";
 constexpr char MEND_BRINK[] = "Straighten narrow bays and zigzags of the cliff, because they are "
                               "ramps. Round its corners off. Raise its upper edge where it is low.";
-constexpr char MEND_TRAPS[] = "Take away what keeps the cube from coming back within 70 pixels of "
-                              "the edges: a second cliff, a pit or a ledge.";
+constexpr char MEND_TRAPS[] = "Within 70 pixels of the edges, take away what stops the cube on its "
+                              "way back: a second cliff, a pit or a ledge.";
 
 static uint8_t held[SDLK_LAST];
 static Terrain undented; // the land without the dents of earlier runs

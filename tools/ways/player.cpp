@@ -23,8 +23,9 @@ constexpr double SLOWEST = 150;     // units/s that a player expects to reach at
 constexpr double DREADED = 900;     // units; the firing range of a tank and 400 to spare
 constexpr double PREY_DISTANCE = 250, PREY_ANGLE = 15; // units and degrees; see isPrey
 
-// A heading is worth the attraction of the people there, less the turn in degrees times TURNING and
-// the danger times FEAR. A player with three times the FEAR finds fewer people and lives no longer.
+// The score of a heading is the attraction of the people there, minus TURNING times the turn in
+// degrees, minus FEAR times the danger. A player with three times the FEAR finds fewer people and
+// lives no longer.
 constexpr double TURNING = 0.002, FEAR = 1;
 
 static double goal = 0; // heading in degrees
@@ -100,8 +101,8 @@ static bool isPrey(Vector tank)
            std::fabs(turnTo(findDirection(cb.position, tank))) < PREY_ANGLE;
 }
 
-// The tanks that the fog does not hide, as offsets from the cube. Tanks behind the player are among
-// them, because a player looks around and remembers them.
+// The tanks that the fog does not hide, except prey, as offsets from the cube. Tanks behind the
+// player are among them, because a player looks around and remembers them.
 static std::vector<Vector> lookForTanks()
 {
     std::vector<Vector> offsets;

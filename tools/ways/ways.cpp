@@ -4,7 +4,8 @@
 //     build/check/tools/ways/ways data [GAMES [SEED]]
 //
 // GAMES games are played in each way, 16 by default, with the seeds SEED, SEED + 1, ... of the
-// random numbers; the first is 1 by default. The same seeds always give the same table.
+// random numbers; the first is 1 by default. On one machine the same seeds always give the same
+// table.
 #include "cube.h"
 #include "folder.h"
 #include "main.h"

@@ -45,12 +45,18 @@ static int wrapped(int i, int period)
     return period > 0 ? (i % period + period) % period : i;
 }
 
+float steady(double value)
+{
+    constexpr double STEPS = 16384;
+    return float(std::floor(value * STEPS + 0.5) / STEPS);
+}
+
 // libnoise hashes the whole coordinates of the lattice. Wrapping these makes the noise repeat.
 static float latticeNoise(float x, float y, int ix, int iy, int period, int seed)
 {
     const int wx = wrapped(ix, period);
     const int wy = wrapped(iy, period);
-    return float(
+    return steady(
         noise::GradientNoise3D(double(x) - ix + wx, double(y) - iy + wy, 0, wx, wy, 0, seed));
 }
 

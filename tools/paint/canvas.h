@@ -2,7 +2,7 @@
 // Colour components run from 0 to 1, which are 0 and 255 in the file. x runs to the right and y
 // upward, so row 0 is the bottom row.
 // Painters calculate with +, -, *, /, sqrt and floor only. These give the same result on every
-// machine, so the images are the same wherever they are painted.
+// machine, so the images are the same wherever they are painted; see also steady.
 #pragma once
 
 #include <algorithm>
@@ -112,6 +112,10 @@ float segmentDistance(float x, float y, Box ends);
 
 // A hash of the three numbers, as a random number: 0 <= value < 1.
 float scatter(int x, int y, int seed);
+
+// Rounds a value from libnoise to 1/16384. On some processors the last bits of libnoise's values
+// differ, and the rain on a land would turn such a difference into other hills.
+float steady(double value);
 
 // Gradient noise with values of about -1..1 and cells of size 1. It repeats after `period` cells
 // along x and along y, or never if the period is 0. The fractal adds octaves: each has cells of

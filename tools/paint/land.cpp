@@ -17,7 +17,7 @@ constexpr int DEEPENINGS = 4; // how many times the river beds of one land are d
 
 int noiseSeed(uint32_t landSeed, int use)
 {
-    return int(scatter(int(landSeed), use, 77) * 16777216.0f);
+    return int(scatter(int(landSeed), use, 77) * 1048576.0f); // libnoise multiplies seeds by 1013
 }
 
 // Sets land.map so that the game shows the wanted heights. Sets land.height to the heights that the

@@ -252,7 +252,7 @@ Field raiseGround(const Plan &plan, const std::vector<Field> &countries)
             const float warpZ = z + 420 * plan.waves(x, z, 1500, 3, 26);
             const float mass = rangeHeight(ranges, warpX, warpZ);
             const float ridge =
-                mass > 0 ? std::clamp(float(ridges.GetValue(x, 0, z)) * 0.5f + 0.5f, 0.0f, 1.1f)
+                mass > 0 ? std::clamp(steady(ridges.GetValue(x, 0, z)) * 0.5f + 0.5f, 0.0f, 1.1f)
                          : 0;
             const float closed = closedness(plan, x, z);
             const float ground =

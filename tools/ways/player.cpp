@@ -11,7 +11,7 @@
 #include <cmath>
 #include <vector>
 
-constexpr float WEAVE_SECONDS = 1;  // to one side before the player turns to the other
+constexpr float WEAVE_SECONDS = 2;  // to one side before the player turns to the other
 constexpr float REACTION = 0.2f;    // seconds between two decisions
 constexpr int HEADINGS = 24;        // among which a player chooses
 constexpr double TOLERANCE = 10;    // degrees off the heading within which a player does not turn

@@ -299,9 +299,20 @@ int main(int argc, char **argv)
 {
     benchmark::Initialize(&argc, argv);
     if (argc > 1 && chdir(argv[1]) != 0)
+    {
+        perror(argv[1]);
         return EXIT_FAILURE;
-    if (!freopen("/dev/null", "w", stderr) || !openDisplay()) // hides what start-up prints
+    }
+    if (!freopen("/dev/null", "w", stderr)) // hides what start-up prints
+    {
+        puts("Cannot write to /dev/null");
         return EXIT_FAILURE;
+    }
+    if (!openDisplay())
+    {
+        printf("Cannot open a display: %s\n", SDL_GetError());
+        return EXIT_FAILURE;
+    }
     setupOpengl(DISPLAY_WIDTH, DISPLAY_HEIGHT);
     if (!makeWorld())
     {

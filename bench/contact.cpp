@@ -92,9 +92,15 @@ static int countThrown(int milliseconds, Stall stall)
 int main(int argc, char **argv)
 {
     if (argc > 1 && chdir(argv[1]) != 0)
+    {
+        perror(argv[1]);
         return EXIT_FAILURE;
+    }
     if (!freopen("/dev/null", "w", stderr)) // hides what start-up prints
+    {
+        puts("Cannot write to /dev/null");
         return EXIT_FAILURE;
+    }
     keys = held;
     held[SDLK_UP] = 1;
     puts("equal steps    thrown");

@@ -637,7 +637,5 @@ void displaySize()
 
 void displayGameOver()
 {
-    static char buffer[32];
-    snprintf(buffer, sizeof(buffer), "GAME OVER - Press Escape");
-    drawTextAboveCube(buffer, 0);
+    drawTextAboveCube("GAME OVER - Press Escape", 0);
 }

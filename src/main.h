@@ -53,7 +53,9 @@ int makeWorld();
 void setupOpengl(int width, int height);
 void processEvents();     // applies the held keys, drains the event queue; may quit
 [[noreturn]] void quit(); // frees the world, closes the display, ends with exit status 0
-void handleKeyDown();     // turns the held keys into torque and heading of cb
+// Turns the held keys into torque and heading of cb. Prints diagnostics while I is held, and quits
+// when Escape is held.
+void handleKeyDown();
 
 // The frame: steps the world, draws it, swaps the buffers.
 void drawScreen();

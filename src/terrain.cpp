@@ -7,7 +7,6 @@
 #include <GL/gl.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -27,7 +26,8 @@ constexpr float DENT_THRESHOLD = -50.0f; // a corner falling slower than this le
 constexpr float STRONGEST_DEFORMATION = 20.0f;
 
 // Units. A change at the corner of four blocks marks only three of them (see terrainFlagDLDirty).
-// The list of the fourth block may show the corner sample higher than it is now, by less than this.
+// The list of the fourth block may show the corner sample higher than it is now. The difference is
+// as a rule much smaller than this: only dozens of weak dents on this one sample could exceed it.
 constexpr float STALE_HEIGHT = 100.0f;
 
 // ---- life cycle ---------------------------------------------------------------------------------
@@ -221,6 +221,7 @@ void deleteTerrain(Terrain *terrain)
     free(terrain->colours);
     free(terrain->displayLists);
     fputs("   ...done\n", stderr);
+    *terrain = {};
 }
 
 // ---- queries ------------------------------------------------------------------------------------

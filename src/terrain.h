@@ -40,7 +40,9 @@ constexpr int DEFORM_CRATER = 1; // deformTerrain: an explosion
 // completed: the game cannot be played on it, but deleteTerrain accepts it. Without an OpenGL
 // context everything but drawing works; texture is not set and the names of the lists are 0.
 int initTerrain(Terrain *terrain);
-void deleteTerrain(Terrain *terrain); // keeps the OpenGL names, which end with the context
+// Frees what the record owns and clears the record. The OpenGL objects are not deleted: they exist
+// until the context is destroyed.
+void deleteTerrain(Terrain *terrain);
 
 // Queries
 int worldToTerrainX(const Terrain *terrain, float x); // nearest sample, clamped to the grid

@@ -36,8 +36,7 @@ constexpr double SLACK = 1.0; // units by which single precision may misplace a 
 // as large as the distance of the far plane and have a rounding error of single precision. With the
 // near plane at 1, their difference changes by only 2 / far per unit of distance. The error can
 // therefore move the far plane by many units.
-constexpr double CLIP_ROUNDING = 2e-7; // more than the relative spacing of floats, 1.2e-7
-constexpr double REACH = 10000;        // units; somewhat over half the side of the land in data/
+constexpr double CLIP_ROUNDING = 5e-7; // over four times the relative spacing of floats, 1.2e-7
 // Pixels. Shadow prisms end ten million units away, where single precision is coarse.
 constexpr double PIXEL_SLACK = 8.0;
 // A view is set if the horizontal part of the unit vector ahead is longer than this. If this part
@@ -125,7 +124,9 @@ void setView(const Eye *eye)
     view.tanY = std::tan(eye->fieldOfView * 0.5 / 180 * PI);
     view.tanX = view.tanY * eye->aspect;
     view.near = eye->near;
-    const double far = eye->far + CLIP_ROUNDING * eye->far * (eye->far + REACH);
+    // About the largest coordinates in view. Rounding errors are proportional to them.
+    const double reach = std::sqrt(dot(view.eye, view.eye)) + eye->far;
+    const double far = eye->far + CLIP_ROUNDING * eye->far * reach;
     setPlanes(far);
     setCorners(far);
 }
@@ -176,8 +177,8 @@ Span viewHeights(Span x, Span z)
 
 static void extend(Span *span, double value)
 {
-    span->low = std::min(span->low, static_cast<float>(value - SLACK));
-    span->high = std::max(span->high, static_cast<float>(value + SLACK));
+    span->low = std::min(span->low, toFloat(value - SLACK));
+    span->high = std::max(span->high, toFloat(value + SLACK));
 }
 
 // Extends z to the point where the edge from a to b crosses x, if there is one.

@@ -94,10 +94,14 @@ signalsQuit()
     done
 }
 
+# A server that is killed does not remove its lock file and its socket.
 lostDisplayQuits()
 {
+    local number=${DISPLAY#:}
     play
-    kill -KILL "$serverPid"
+    stop KILL "$serverPid"
+    serverPid=''
+    rm -f "/tmp/.X$number-lock" "/tmp/.X11-unix/X$number"
     expectOrderlyEnd quit.txt
 }
 

@@ -1,7 +1,7 @@
 #include "drainage.h"
 #include "faults.h"
+#include "heights.h"
 #include "land.h"
-#include "smoothing.h"
 
 #include <gtest/gtest.h>
 
@@ -33,11 +33,8 @@ TEST(LandTest, TheSameSeedGivesTheSameMapAndAnotherSeedAnother)
 
 TEST(LandTest, HeightsAreThoseThatTheGameMakesOfTheMap)
 {
-    Field height(SIDE, SIDE);
-    for (size_t i = 0; i < height.cells.size(); ++i)
-        height.cells[i] = float(landOfSeed5().map.cells[i]) / 256 * 600;
-    smoothAsTheGame(height);
-    EXPECT_EQ(height.cells, landOfSeed5().height.cells);
+    const Land &land = landOfSeed5();
+    EXPECT_EQ(heightsInTheGame(asImage(land.map).cells, SIDE), asImage(land.height).cells);
 }
 
 TEST(LandTest, WeightsOfCountriesAddUpToOne)
@@ -53,6 +50,8 @@ TEST(LandTest, WeightsOfCountriesAddUpToOne)
 
 TEST(LandTest, EachFaultIsFound)
 {
+    constexpr char LANDING[] = "the landing place is wet, steep or high";
+    constexpr char RIVER[] = "a river runs uphill or ends on dry land";
     const Land &good = landOfSeed5();
     ASSERT_EQ(faultOf(good), nullptr);
     const CoursePoint &mouth = good.rivers[0].back();
@@ -60,20 +59,21 @@ TEST(LandTest, EachFaultIsFound)
     const Place &village = good.villages[0];
     const struct
     {
-        const char *what;
+        const char *fault;
         Field Land::*field;
         float x, z, radius, value;
-    } cases[] = {{"wet landing", &Land::water, 0, 550, 10, 1},
-                 {"steep landing", &Land::height, 100, 50, 20, 180},
-                 {"closed valley", &Land::height, 0, -1500, 100, 310},
-                 {"river uphill", &Land::height, bend.x, bend.z, 60, 500},
-                 {"dry mouth", &Land::water, mouth.x, mouth.z, 60, 0},
-                 {"wet village", &Land::water, village.x, village.z, 30, 1}};
+    } cases[] = {
+        {LANDING, &Land::water, 0, 550, 10, 1},
+        {LANDING, &Land::height, 100, 50, 20, 180},
+        {"the valley to the landing place is closed", &Land::height, 0, -1500, 100, 310},
+        {RIVER, &Land::height, bend.x, bend.z, 60, 500},
+        {RIVER, &Land::water, mouth.x, mouth.z, 60, 0},
+        {"there are too few villages, or a wet one", &Land::water, village.x, village.z, 30, 1}};
     for (const auto &c : cases)
     {
         Land land = good;
         fill(land.*c.field, c.x, c.z, c.radius, c.value);
-        EXPECT_NE(faultOf(land), nullptr) << c.what;
+        EXPECT_STREQ(faultOf(land), c.fault) << "with " << c.value << " at " << c.x << ", " << c.z;
     }
 }
 

@@ -3,7 +3,9 @@
 #include "driver.h"
 #include "main.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <set>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -167,8 +169,19 @@ std::string playGame(const Play &script)
 {
     report->allocations = report->frames = 0;
     FILE *file = tmpfile();
+    if (!file)
+    {
+        ADD_FAILURE() << "cannot make a file for the log: " << strerror(errno);
+        return "";
+    }
     fflush(nullptr);
-    const pid_t child = file ? fork() : -1;
+    const pid_t child = fork();
+    if (child < 0)
+    {
+        ADD_FAILURE() << "cannot start a child process: " << strerror(errno);
+        fclose(file);
+        return "";
+    }
     if (child == 0)
         runGame(script, fileno(file));
     int status = -1;

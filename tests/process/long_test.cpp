@@ -1,5 +1,5 @@
-// Long games, which run apart from the others. On an idle machine each takes about ten seconds.
-// They print figures that can be compared from run to run.
+// Long games, which run apart from the others; docs/robustness.md says how long they take. They
+// print figures that can be compared from run to run.
 #include "game.h"
 #include "main.h"
 

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -123,14 +124,23 @@ struct Folder
 {
     Folder()
     {
-        char folder[] = "/tmp/tumbledown-XXXXXX";
-        std::filesystem::current_path(mkdtemp(folder));
+        if (!mkdtemp(path))
+        {
+            perror(path);
+            exit(EXIT_FAILURE);
+        }
+        std::filesystem::current_path(path);
     }
     ~Folder()
     {
-        std::filesystem::remove_all(std::filesystem::current_path());
         std::filesystem::current_path("/");
+        std::filesystem::remove_all(path);
     }
+    Folder(const Folder &) = delete;
+    Folder &operator=(const Folder &) = delete;
+
+private:
+    char path[sizeof("/tmp/tumbledown-XXXXXX")] = "/tmp/tumbledown-XXXXXX";
 };
 
 // ---- worlds -------------------------------------------------------------------------------------

@@ -72,7 +72,8 @@ struct Land
 // and side give the same land on every machine.
 Land makeLand(uint32_t seed, int side);
 
-// A seed for noiseAt, fractal and scatter. It is different for each land and each use.
+// A seed for noiseAt, fractal and scatter. It is nearly always different for two
+// lands or two uses.
 int noiseSeed(uint32_t landSeed, int use);
 
 template <typename T> Grid<T> asImage(const Grid<T> &land)

@@ -248,10 +248,12 @@ using Costs = std::vector<std::vector<float>>; // of a walk between each two vil
 static Costs costsBetween(const Walk &walk, const std::vector<Place> &villages)
 {
     Costs costs;
+    costs.reserve(villages.size());
     for (const Place &from : villages)
     {
         const Ways ways = findWays(walk, placeOf(walk, from));
         std::vector<float> row;
+        row.reserve(villages.size());
         for (const Place &to : villages)
             row.push_back(ways.cost[size_t(placeOf(walk, to))]);
         costs.push_back(row);
@@ -333,6 +335,7 @@ std::vector<Course> layTracks(const Plan &plan, const Waters &waters, const Fiel
     std::vector<Link> links = spanningTree(costs);
     addShortCuts(links, costs);
     std::vector<Course> tracks;
+    tracks.reserve(links.size());
     for (const Link &link : links)
         tracks.push_back(wear(walk, findWays(walk, placeOf(walk, villages[link.from])),
                               placeOf(walk, villages[link.to])));

@@ -363,8 +363,8 @@ struct NearestWater // found in sweeps: each sample takes over the best of its n
     {
         if (nx < 0 || nz < 0 || nx >= plan.side || nz >= plan.side)
             return;
-        const int theirs = cell[size_t(nz * plan.side + nx)];
-        int &mine = cell[size_t(z * plan.side + x)];
+        const int theirs = cell[size_t(nz) * size_t(plan.side) + size_t(nx)];
+        int &mine = cell[size_t(z) * size_t(plan.side) + size_t(x)];
         if (distance(x, z, theirs) < distance(x, z, mine))
             mine = theirs;
     }
@@ -396,7 +396,7 @@ static void surveyShores(const Plan &plan, const Field &standing, Waters &waters
     for (int z = 0; z < plan.side; ++z)
         for (int x = 0; x < plan.side; ++x)
         {
-            const int water = nearest.cell[size_t(z * plan.side + x)];
+            const int water = nearest.cell[size_t(z) * size_t(plan.side) + size_t(x)];
             waters.shore.at(x, z) = nearest.distance(x, z, water);
             waters.shoreLevel.at(x, z) = water < 0 ? WATER_LEVEL : standing.cells[size_t(water)];
         }

@@ -90,7 +90,8 @@ static void drawAllInRange()
     glColor3f(0, 0, 0);
     displayScore();
     displaySize();
-    gameOver ? displayGameOver() : void();
+    if (gameOver)
+        displayGameOver();
     glPopMatrix();
 }
 

@@ -79,23 +79,34 @@ leavesNothingWhenAFileCannotGrow()
 # A named pipe in the place of a temporary file makes the painter wait in the middle of its writing.
 keepsTheImagesWhenStopped()
 {
-    local signal before painter
+    local signal before
     before=$(content)
     for signal in TERM KILL; do
         mkfifo two/.TexTank.tga.part
         env --default-signal "$LAND" two --force --seed 2 --side 351 >../out &
         painter=$!
-        until [[ -e two/.TexSkyBox.tga.part ]]; do sleep 0.1; done
+        until [[ -e two/.TexSkyBox.tga.part ]]; do
+            kill -0 $painter 2>/dev/null || fail "the painter has ended too early: $(<../out)"
+            sleep 0.1
+        done
         kill -s $signal $painter
         [[ $signal == KILL ]] || timeout 60 cat two/.TexTank.tga.part >/dev/null
         ! wait $painter || fail "SIG$signal does not end the painter"
+        painter=''
         [[ $signal == TERM ]] || rm two/.*.part # the game does not read these
         diff <(echo "$before") <(content) || fail "SIG$signal changes the folder"
     done
 }
 
+endPainter()
+{
+    [[ -z $painter ]] || kill -KILL "$painter" 2>/dev/null || true
+    rm -rf "$scratch"
+}
+
+painter='' # process id while a painter runs in the background
 scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+trap endPainter EXIT
 mkdir "$scratch/lands"
 cd "$scratch/lands"
 for claim in refusesWhatMakesNoSense paintsTheSameLandTwice replacesImagesWhenForced \

@@ -97,6 +97,8 @@ signalsQuit()
 lostDisplayQuits()
 {
     play
+    # A killed server leaves its socket behind. Afterwards the socket could be that of another server.
+    rm -f "/tmp/.X11-unix/X${DISPLAY#:}"
     kill -KILL "$serverPid"
     expectOrderlyEnd quit.txt
 }

@@ -12,7 +12,7 @@ CROSS_PACKAGES=(cmake ninja-build pkg-config g++ g++-aarch64-linux-gnu qemu-user
     {libsdl1.2-dev,libgl-dev,libglu1-mesa-dev,freeglut3-dev,libgl1-mesa-dri,libx11-dev}:arm64
     libgtest-dev:arm64)
 
-release=${1:-$(runningRelease)}
+chooseRelease "$@"
 needRoot
 installPackages "${ROOT_PACKAGES[@]}"
 trap closeRoot EXIT

@@ -76,7 +76,7 @@ installPlayAndPurge()
         fail "the purged package has left files"
 }
 
-release=${1:-$(runningRelease)}
+chooseRelease "$@"
 needRoot
 installPackages "${DISPLAY_PACKAGES[@]}" "${ROOT_PACKAGES[@]}"
 declare -A took

@@ -23,6 +23,9 @@ paintFromAbove() # SEED
     rm -r "${scratch:?}/$1"
 }
 
+[[ $# -le 1 && $SIDE =~ ^[1-9][0-9]{2,3}$ && SIDE -ge 351 && SIDE -le 1501 &&
+    $((SIDE % 25)) -eq 1 ]] ||
+    fail "give one side at most, one of 351, 376, 401 ... 1501 (multiples of 25, plus one)"
 installPackages "${BUILD_PACKAGES[@]}" imagemagick libnoise-dev fonts-dejavu-core
 cmake -B build/lands -G Ninja -DCMAKE_BUILD_TYPE=Release -DTUMBLEDOWN_TESTS=OFF >/dev/null
 cmake --build build/lands --target tumbledown-land

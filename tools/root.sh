@@ -16,19 +16,40 @@ runningRelease()
     (. /etc/os-release && echo "${VERSION_CODENAME-}")
 }
 
-# Prints the sources of apt-get on this machine, with the given release in place of the running one.
-# Prints nothing on a machine that is no Debian; mmdebstrap then uses deb.debian.org.
+# Sets release to the one that is named, or to the one that runs here.
+chooseRelease() # [RELEASE]
+{
+    release=${1:-$(runningRelease)}
+    [[ $# -le 1 && $release =~ ^[a-z]+$ ]] ||
+        fail "name one release of Debian, such as bookworm or trixie"
+}
+
+# Prints those sources of apt-get on this machine that name the running release, also with an ending
+# such as -security, with the given release in its place. Prints nothing where no source names the
+# running release or there is no Debian; mmdebstrap then uses deb.debian.org.
 archives() # RELEASE
 {
     apt-get indextargets --format "deb \$(REPO_URI) \$(RELEASE) \$(COMPONENT)" \
-        'Created-By: Packages' 'Origin: Debian' | sed "s/ $(runningRelease)\b/ $1/"
+        'Created-By: Packages' 'Origin: Debian' |
+        awk -v running="$(runningRelease)" -v wanted="$1" '
+            running && index($3 "-", running "-") == 1 {
+                $3 = wanted substr($3, length(running) + 1)
+                print
+            }'
+}
+
+# A mirror may offer another release under the name that was asked for.
+expectRelease() # RELEASE
+{
+    local made
+    made=$(sed -n 's/^VERSION_CODENAME=//p' "$root/etc/os-release")
+    [[ $made == "$1" ]] || fail "the Debian in $root is '$made' and not '$1'"
 }
 
 # Sets scratch, a new folder, and root, the folder of the Debian in it.
 openRoot() # RELEASE
 {
     local sources=()
-    [[ -n $1 ]] || fail "name a release of Debian, such as bookworm or trixie"
     scratch=$(mktemp -d)
     chmod 755 "$scratch"
     root=$scratch/root
@@ -38,6 +59,7 @@ openRoot() # RELEASE
     mmdebstrap --quiet --variant=apt --include=sudo,passwd "$1" "$root" "${sources[@]}" \
         >"$scratch/log" 2>&1 ||
         showLogAndFail "mmdebstrap could not make a Debian $1"
+    expectRelease "$1"
 }
 
 # Ends what still runs in the root and removes the root. The child of unshare is the first process of

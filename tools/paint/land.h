@@ -69,11 +69,12 @@ struct Land
 };
 
 // Grows the land of a seed. The side is 351 to 1501 samples, a multiple of 25 plus 1. The same seed
-// and side give the same land on every machine.
+// and side give the same land on every machine. A land with a fault is grown again, but not without
+// end: the last trial is returned even if it has a fault, which faultOf in faults.h tells.
 Land makeLand(uint32_t seed, int side);
 
-// A seed for noiseAt, fractal and scatter. It is nearly always different for two
-// lands or two uses.
+// A seed for noiseAt, fractal and scatter. It is nearly always different for two lands or
+// two uses.
 int noiseSeed(uint32_t landSeed, int use);
 
 template <typename T> Grid<T> asImage(const Grid<T> &land)

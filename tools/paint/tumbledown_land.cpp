@@ -2,6 +2,8 @@
 //
 // If it refuses its arguments or the folder, it writes nothing, prints one line on standard error
 // and ends with status 2. If painting or writing fails, it prints one line and ends with status 1.
+// If the land has a fault, it prints one line and ends with status 0.
+#include "faults.h"
 #include "images.h"
 #include "land.h"
 #include "painters.h"
@@ -174,11 +176,9 @@ static void refuseImagesThere(const Order &order)
     }
 }
 
-static Images paint(const Order &order)
+static Images paint(const Land &land)
 {
     Images images;
-    showProgress(STAGES);
-    const Land land = makeLand(order.seed, order.side);
     paintLand(images, land);
     paintGround(images, land);
     paintCube(images);
@@ -209,10 +209,14 @@ static int run(const Order &order)
     if (!obstacle.empty())
         return complain(obstacle, REFUSED);
     printf("Painting the land of seed %u with %d samples a side\n", order.seed, order.side);
-    const std::string fault = saveImages(order.folder, paint(order), order.force);
-    endProgress();
+    showProgress(STAGES);
+    const Land land = makeLand(order.seed, order.side);
+    const std::string fault = saveImages(order.folder, paint(land), order.force);
     if (!fault.empty())
         return complain(fault, EXIT_FAILURE);
+    endProgress();
+    if (const char *flaw = faultOf(land))
+        fprintf(stderr, "tumbledown-land: warning: %s; try another seed\n", flaw);
     const std::string folder = quoted(order.folder);
     printf("The land of seed %u, %d samples a side, is in %s\n"
            "To play it: tumbledown %s (in a checkout of the source: ./play %s)\n",

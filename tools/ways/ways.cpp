@@ -101,7 +101,8 @@ static Life play(const Way &way, unsigned seed)
 {
     srand(seed);
     const int spacing = static_cast<int>(ter.scale);
-    makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing);
+    if (!makeList(peopleLst, PEOPLE, ter.width, ter.height, spacing))
+        _exit(EXIT_FAILURE);
     randomTankPlacement(tankLst, ter.width, ter.height, spacing);
     while (!touchesGround() && seconds() < LONGEST_FALL)
         playFrame(way);
@@ -113,7 +114,7 @@ static Life play(const Way &way, unsigned seed)
 
 // ---- all games ----------------------------------------------------------------------------------
 
-// Waits until a game has ended. Returns whether it did not crash.
+// Waits until a game has ended. Returns whether it succeeded.
 static bool awaitGame(int *running)
 {
     int status = 0;
@@ -124,7 +125,8 @@ static bool awaitGame(int *running)
 }
 
 // Plays each game in a child process, which starts with the land that the parent has loaded. As
-// many games run at a time as there are processors. Returns whether no game crashed.
+// many games run at a time as there are processors. Returns whether all games were started and
+// none crashed.
 static bool playAll(Life *lives, int games, unsigned seed)
 {
     const int most = std::max(1, static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)));
@@ -211,7 +213,7 @@ static bool judgeFolder(const char *folder, int games, unsigned seed)
     }
     if (!playAll(static_cast<Life *>(lives), games, seed))
     {
-        complain(folder, "the game crashed while it was played");
+        complain(folder, "a game crashed or could not be started");
         return false;
     }
     return judge(static_cast<Life *>(lives), games);

@@ -44,10 +44,9 @@ struct Memory : Process
             known == COMPLAINTS.end() ? std::vector<std::string>{"   ...couldn't load TGA\n"}
                                       : known->second;
         const TextDifference at = firstDifference(log, startLog(script.frames == 0));
-        EXPECT_TRUE(std::any_of(complaints.begin(), complaints.end(),
-                                [&](const std::string &complaint) {
-                                    return log.compare(at.offset, complaint.size(), complaint) == 0;
-                                }))
+        const auto isNext = [&](const std::string &complaint)
+        { return log.compare(at.offset, complaint.size(), complaint) == 0; };
+        EXPECT_TRUE(std::any_of(complaints.begin(), complaints.end(), isNext))
             << "line " << at.line << "\n  expected: " << testing::PrintToString(complaints)
             << "\n    actual: " << at.actual;
     }

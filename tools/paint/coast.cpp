@@ -6,10 +6,11 @@
 constexpr float CLIFF_BRINK = 620;    // units from the edge of the land to the brink, on average
 constexpr float CLIFF_WIDTH = 25;     // from the brink to the foot
 constexpr float CLIFF_CORNER = 1000;  // radius; with wider or narrower corners more cubes climb
-constexpr float CLIFF_BEND = 350;     // how far bends move the cliff
+constexpr float CLIFF_BEND = 350;     // how far bends move the cliff of a large land
 constexpr float BEND_LENGTH = 4500;   // along the coast
-constexpr float CLIFF_HEADLAND = 120; // how far headlands move the cliff
+constexpr float CLIFF_HEADLAND = 120; // how far headlands move the cliff of a large land
 constexpr float HEADLAND_LENGTH = 1000;
+constexpr float LARGE_LAND = 10000; // half its extent; the cliff of a smaller land is straighter
 constexpr float CLIFF_DIP = 30;     // how far the brink sinks below HEIGHT_RANGE
 constexpr float CLIFF_CREST = 300;  // width of the level top; the player cannot see what is behind
 constexpr float CLIFF_BACK = 0.6f;  // slope of the ground behind the top
@@ -28,8 +29,9 @@ static float inwardAt(const Plan &plan, float x, float z)
     const float dz = std::fabs(z) - (plan.half() - CLIFF_CORNER);
     const float inward = CLIFF_CORNER - length(std::max(dx, 0.0f), std::max(dz, 0.0f)) -
                          std::min(std::max(dx, dz), 0.0f);
-    return inward + CLIFF_BEND * plan.waves(x, z, BEND_LENGTH, 1, 41) +
-           CLIFF_HEADLAND * plan.waves(x, z, HEADLAND_LENGTH, 1, 42);
+    const float waviness = square(std::min(plan.half() / LARGE_LAND, 1.0f));
+    return inward + waviness * CLIFF_BEND * plan.waves(x, z, BEND_LENGTH, 1, 41) +
+           waviness * CLIFF_HEADLAND * plan.waves(x, z, HEADLAND_LENGTH, 1, 42);
 }
 
 float shoreDistance(const Plan &plan, float x, float z)

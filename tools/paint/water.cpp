@@ -501,6 +501,7 @@ static Course risesOf(const Course &river, const Field &height)
 int deepenBeds(const Plan &plan, const Waters &waters, const Field &height, Field &wanted)
 {
     std::vector<Course> rises;
+    rises.reserve(waters.rivers.size());
     for (const Course &river : waters.rivers)
         rises.push_back(risesOf(river, height));
     const Nearby near = surveyCourses(plan, rises, RIVER_BANK);

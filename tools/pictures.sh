@@ -207,11 +207,12 @@ judge()
 
 # ---- the shore ----------------------------------------------------------------------------------
 
-# Writes a line for each row of samples, with a 1 for each sample that has the blue of water.
+# Writes a line for each row of samples, with a 1 for each sample that has the blue of water. Snow in
+# the shade is blue, too, but its red is above 150.
 findWater()
 {
     od -An -v -tu1 -w4 -j18 "$LAND/MapTex.tga" | awk -v side="$(sideOf "$LAND/Map.tga")" '
-        { row = row ($1 > $3 + 50 && $1 > $2 - 15 ? 1 : 0) }
+        { row = row ($1 > $3 + 80 && $3 < 70 ? 1 : 0) }
         NR % side == 0 { print row; row = "" }' >"$TAKEN/water"
 }
 

@@ -34,7 +34,7 @@ archives() # RELEASE
         awk -v running="$(runningRelease)" -v wanted="$1" '
             running && index($3 "-", running "-") == 1 {
                 $3 = wanted substr($3, length(running) + 1)
-                print
+                if (!printed[$0]++) print
             }'
 }
 

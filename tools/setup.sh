@@ -2,6 +2,8 @@
 # setup.sh - names the Debian packages that the game, its display and its checks need, and installs
 # those that are missing. Sourced.
 
+PATH=$PATH:/usr/sbin:/sbin # su without a dash leaves these folders out.
+
 BUILD_PACKAGES=(g++ cmake ninja-build make pkg-config libsdl1.2-dev libgl-dev libglu1-mesa-dev
     freeglut3-dev libgl1-mesa-dri)
 DISPLAY_PACKAGES=(xvfb xauth xdotool imagemagick)
@@ -17,9 +19,10 @@ fail()
     exit 1
 }
 
-isInstalled() # PACKAGE
+isInstalled() # PACKAGE: for the programs of this machine; another architecture does not help
 {
-    [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+    dpkg-query -W -f '${db:Status-Status} ${Architecture}\n' "$1" 2>/dev/null |
+        grep -Eqx "installed (all|$(dpkg --print-architecture))"
 }
 
 asRoot()

@@ -56,7 +56,7 @@ showsSkyAboveLand()
 isLow()
 {
     local y
-    read -r _ y _ < <(cubeVector Position) && ((y < 600))
+    hasEnded || { read -r _ y _ < <(cubeVector Position) && ((y < 600)); }
 }
 
 # At the start the camera looks up into the sky. After the landing, slow frames can make the cube
@@ -68,6 +68,7 @@ pictureShowsSkyAboveLand()
         play
         xdotool keydown i
         waitFor 60 isLow || complain "the cube does not fall"
+        isRunning
         kill -s STOP "$gamePid"
         ! showsSkyAboveLand || return 0
         echo "picture $attempt does not show the sky above the land"
@@ -119,5 +120,9 @@ if [[ -n ${LIBRARY+set} && ! -e $LIBRARY/libSDL-1.2.so.0 ]]; then
 fi
 scratch=$(mktemp -d)
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
+if [[ -n $PRELOAD ]]; then # LD_PRELOAD cannot name a path with a blank.
+    ln -s "$PRELOAD" "$scratch/preload.so"
+    PRELOAD=$scratch/preload.so
+fi
 openDisplay "$scratch"
 "$1"

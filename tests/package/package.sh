@@ -3,8 +3,16 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 source tools/setup.sh
+export LC_ALL=C.UTF-8 LANGUAGE= # The tests compare what programs print.
 # shellcheck source=tests/game/judge.sh
 source tests/game/judge.sh
+
+buildPackage() # CHECKOUT: sets built, the path of the package
+{
+    "$1/tools/package.sh" >"$scratch/log" ||
+        { cat "$scratch/log"; fail "the package could not be built in $1"; }
+    built=$(tail -n 1 "$scratch/log")
+}
 
 newestVersions() # of the program, the package, the changelog and the metadata
 {
@@ -92,8 +100,8 @@ refusesWhatCannotBePlayed()
     cp data/Map.tga data/MapTex.tga data/TexCube.tga "$scratch/bare"
     while IFS='|' read -r status arguments line; do
         # shellcheck disable=SC2086 # the arguments are separate words
-        told=$(cd "$scratch" && DISPLAY=:999 root/usr/games/tumbledown $arguments 2>&1;
-            echo "status $?")
+        told=$(cd "$scratch" && env -u SDL_VIDEODRIVER -u WAYLAND_DISPLAY DISPLAY=:999 \
+            root/usr/games/tumbledown $arguments 2>&1; echo "status $?")
         diff <(echo "${line/SHIPPED/$scratch/root/usr/share/games/tumbledown}"; echo "status $status") \
             <(echo "$told") || fail "tumbledown $arguments"
     done <<'END'
@@ -112,8 +120,8 @@ isTheSameWhereverItIsBuilt()
     time=$(stat -c %Y "$scratch/root/usr/games/tumbledown")
     mkdir "$copy"
     tar -c --exclude=./build --exclude=./.git . | tar -x -C "$copy"
-    SOURCE_DATE_EPOCH=$time "$copy/tools/package.sh" >"$scratch/again"
-    cmp "$package" "$(tail -n 1 "$scratch/again")"
+    SOURCE_DATE_EPOCH=$time buildPackage "$copy"
+    cmp "$package" "$built"
 }
 
 playsFromAMovedPrefixThroughALink()
@@ -130,7 +138,8 @@ playsFromAMovedPrefixThroughALink()
 scratch=$(mktemp -d)
 trap 'closeDisplay; rm -rf "$scratch"' EXIT
 openDisplay "$scratch"
-package=$(tools/package.sh | tail -n 1)
+buildPackage "$PWD"
+package=$built
 dpkg-deb -x "$package" "$scratch/root"
 for claim in describesItselfWithoutFault hasTheRightFiles isHardened playsFromItsRoot \
     paintsALandAndPlaysIt refusesWhatCannotBePlayed isTheSameWhereverItIsBuilt \

@@ -24,8 +24,8 @@ nameOfSource()
         echo "a tree without a repository"
         return
     fi
-    commit=$(git rev-parse --short HEAD)
-    changes=$(git status --porcelain)
+    commit=$(git rev-parse --short HEAD) || fail "git cannot read the commit; see above"
+    changes=$(git status --porcelain) || fail "git cannot read the files; see above"
     echo "commit $commit${changes:+ with changes that are not committed}"
 }
 

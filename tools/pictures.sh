@@ -332,10 +332,10 @@ takeShore()
 keep() # NAME
 {
     [[ -n ${best[$1]-} ]] || { lacking+=("$1"); return; }
-    convert "xwd:$TAKEN/$1.xwd" -quality 90 -define jpeg:extent=390KB "$TAKEN/$1.jpg"
+    convert "xwd:$TAKEN/$1.xwd" -strip -quality 90 -define jpeg:extent=390KB "$TAKEN/$1.jpg"
     hasColoursOfAWorld "$TAKEN/$1.jpg"
     mv "$TAKEN/$1.jpg" "$KEPT/"
-    echo "$KEPT/$1.jpg"
+    echo "$PWD/$KEPT/$1.jpg"
 }
 
 # Prints arguments for convert, one in a line, that show each frame as long as the game showed it.
@@ -363,7 +363,7 @@ keepFilm()
         (($(stat -c %s "$TAKEN/play.webp") > LARGEST_FILM)) || break
     done
     mv "$TAKEN/play.webp" "$KEPT/"
-    echo "$KEPT/play.webp"
+    echo "$PWD/$KEPT/play.webp"
 }
 
 installPackages "${BUILD_PACKAGES[@]}" "${DISPLAY_PACKAGES[@]}"

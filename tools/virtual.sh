@@ -54,7 +54,7 @@ stop() # SIGNAL [PID]
 closeDisplay()
 {
     stop KILL "${gamePid-}"
-    stop TERM "${serverPid-}" # The server then removes its lock file.
+    stop TERM "${serverPid-}"
     gamePid='' serverPid=''
 }
 
@@ -179,7 +179,7 @@ copyScreen() # FILE
 {
     local attempt
     for attempt in {1..30}; do
-        cp "$scratch/Xvfb_screen0" "$1"
+        cp "$scratch/Xvfb_screen0" "$1" || return
         ! cmp -s "$scratch/Xvfb_screen0" "$1" || return 0
     done
     complain "no picture could be taken: the screen changes all the time"

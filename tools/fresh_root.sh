@@ -29,10 +29,10 @@ timed() # NAME COMMAND...: runs the command and stores its seconds in the array 
     printf '%-8s %4d s\n' "$name" "${took[$name]}"
 }
 
-everyFile() # prints all files of the root except logs and caches
+everyFile() # prints all files of the root except logs, caches and temporary files
 {
     find "$root" -xdev -path "$root/var/log" -prune -o -path "$root/var/cache" -prune -o \
-        -printf '%P %M %u\n' | sort
+        -path "$root/tmp" -prune -o -printf '%P %M %u\n' | sort
 }
 
 buildPackage()
@@ -50,9 +50,10 @@ showVersions()
     mesa=$(versionOf libgl1-mesa-dri)
 }
 
+# Mesa keeps compiled shaders in the home folder and complains if it cannot write there.
 playInstalled()
 {
-    playsInstalled /home/link chroot --userspec=nobody:nogroup "$root"
+    playsInstalled /home/link HOME=/tmp chroot --userspec=nobody:nogroup "$root"
 }
 
 installPlayAndPurge()

@@ -33,8 +33,9 @@ showsAWorldAndEnds() # startGame must have started the game.
     expectLines head "$scratch/expected"
 }
 
-# Starts the launcher in a folder that has nothing to do with the game.
-playsInstalled() # LAUNCHER [COMMAND...]: a command, such as chroot, that runs the launcher
+# Starts the launcher in a folder that has nothing to do with the game. A command, such as chroot,
+# can start the launcher.
+playsInstalled() # LAUNCHER [VARIABLE=VALUE...] [COMMAND...]
 {
     startGame "$1" / "${@:2}"
     showsAWorldAndEnds

@@ -175,7 +175,7 @@ static bool judgeFolder(const char *folder)
 
 int main(int argc, char **argv)
 {
-    if (argc != 2)
+    if (argc != 2 || *argv[1] == '-')
     {
         fputs("usage: rim FOLDER\n", stderr);
         return EXIT_FAILURE;

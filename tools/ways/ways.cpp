@@ -231,7 +231,7 @@ int main(int argc, char **argv)
 {
     const int games = argc > 2 ? parse(argv[2], MOST_GAMES) : DEFAULT_GAMES;
     const int seed = argc > 3 ? parse(argv[3], MOST_SEED) : 1;
-    if (argc < 2 || argc > 4 || games < 0 || seed < 0)
+    if (argc < 2 || argc > 4 || *argv[1] == '-' || games < 0 || seed < 0)
     {
         fprintf(stderr, "usage: ways FOLDER [GAMES [SEED]]\n");
         return EXIT_FAILURE;

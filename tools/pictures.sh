@@ -1,6 +1,6 @@
 #!/bin/bash
 # pictures.sh - takes the pictures of the README from the real game: plays games on a virtual
-# display and keeps the best landing, crowd, fight, shore and moving picture in docs/pictures/.
+# display and keeps the best landing, crowd, fight and moving picture in docs/pictures/.
 # The script needs an idle machine and up to six minutes.
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
@@ -12,8 +12,7 @@ LAND=$PWD/data
 TAKEN=build/candidates
 KEPT=docs/pictures
 LAST_START=270      # seconds after which no game is started
-SHORE_GAMES=4       # at most, in which the cube heads for water
-RECORDED=14         # seconds of each other game
+RECORDED=14         # seconds of each game
 RATE=12             # frames per second of the moving picture
 FILM=7              # seconds of the moving picture
 LARGEST_FILM=3000000 # bytes
@@ -63,6 +62,12 @@ weave() # FRAME: rolls to the left and to the right in turn
         24) xdotool keydown Right ;;
         34) xdotool keyup Right ;;
     esac
+}
+
+# Succeeds if the game is over or if a step that took too long has thrown the cube.
+isLost()
+{
+    tail -c 4000 "$TAKEN/err" | track - | awk '{ lost = $9 || $3 > 1600 } END { exit !lost }'
 }
 
 record()
@@ -205,128 +210,6 @@ judge()
     keepBestSeconds
 }
 
-# ---- the shore ----------------------------------------------------------------------------------
-
-# Writes a line for each row of samples, with a 1 for each sample that has the blue of water. Snow in
-# the shade is blue, too, but its red is above 150.
-findWater()
-{
-    od -An -v -tu1 -w4 -j18 "$LAND/MapTex.tga" | awk -v side="$(sideOf "$LAND/Map.tga")" '
-        { row = row ($1 > $3 + 80 && $3 < 70 ? 1 : 0) }
-        NR % side == 0 { print row; row = "" }' >"$TAKEN/water"
-}
-
-# Prints x and z of places in the middle of broad water.
-broadWater()
-{
-    awk '
-        { row[NR - 1] = $0 }
-        END {
-            for (r = 8; r < NR - 8; r += 4)
-                for (c = 8; c < NR - 8; c += 4) {
-                    water = 0
-                    if (substr(row[r], c + 1, 1))
-                        for (k = -8; k <= 8; k += 2)
-                            for (l = -8; l <= 8; l += 2) water += substr(row[r + k], c + l + 1, 1)
-                    if (water >= 60) print int((r - NR / 2) * 25), int((c - NR / 2) * 25)
-                }
-        }' "$TAKEN/water"
-}
-
-# Presses the keys that bring the cube to the water nearest to where it will be in a second: Left or
-# Right turns the cube toward the water, and Up is only held when the cube hardly needs to turn.
-steerToWater()
-{
-    local key wanted
-    wanted=$(awk -v cube="$(cubeVector Position) $(cubeVector Velocity)" '
-        BEGIN { split(cube, at, " "); x = at[1] + at[4]; z = at[3] + at[6] }
-        { distance = ($1 - x) ^ 2 + ($2 - z) ^ 2 }
-        NR == 1 || distance < nearest { nearest = distance; goalX = $1; goalZ = $2 }
-        END {
-            turn = (atan2(goalZ - at[3], goalX - at[1]) - atan2(at[6], at[4])) * 57.3
-            turn -= turn > 180 ? 360 : turn < -180 ? -360 : 0
-            if (turn ^ 2 < 45 ^ 2) print "Up"
-            if (turn ^ 2 > 12 ^ 2) print(turn > 0 ? "Right" : "Left")
-        }' "$TAKEN/broad")
-    for key in Up Left Right; do
-        if [[ $wanted == *"$key"* ]]; then
-            xdotool keydown "$key"
-        else
-            xdotool keyup "$key"
-        fi
-    done
-}
-
-# Succeeds if the game is over or if a step that took too long has thrown the cube.
-isLost()
-{
-    tail -c 4000 "$TAKEN/err" | track - | awk '{ lost = $9 || $3 > 1600 } END { exit !lost }'
-}
-
-rollToWater()
-{
-    local shot start
-    begin
-    rm -rf "$TAKEN/frames" "$TAKEN/recorded"
-    mkdir "$TAKEN/recorded"
-    start=${EPOCHREALTIME/./}
-    for ((shot = 0; shot < 120; ++shot)); do
-        steerToWater
-        ((shot % 2)) || copyFrame "$TAKEN/recorded/$((1000 + shot)).xwd" "$start"
-        ! isLost || break
-        sleep 0.2
-    done
-    finish
-}
-
-# Prints the value and the file of the good frame in which the view, up to 1500 units away, comes
-# nearest to half water and half land. At least 15 % must be water, and 15 % land.
-bestShore()
-{
-    judgeFrames | awk '$4 { print $2, $1 }' >"$TAKEN/good"
-    awk -v water="$TAKEN/water" -v track="$TAKEN/track" '
-        BEGIN {
-            while ((getline line < water) > 0) row[side++] = line
-            while ((getline line < track) > 0) block[++blocks] = line
-        }
-        {
-            split(block[$1], at)
-            ahead = atan2(at[4] - at[7], at[2] - at[6])
-            wet = seen = 0
-            for (turn = -0.5; turn <= 0.5; turn += 0.1)
-                for (range = 200; range <= 1500; range += 50) {
-                    r = int((at[6] + cos(ahead + turn) * range) / 25 + side / 2)
-                    c = int((at[7] + sin(ahead + turn) * range) / 25 + side / 2)
-                    wet += substr(row[r], c + 1, 1)
-                    ++seen
-                }
-            part = wet / seen
-            value = part < 0.5 ? part : 1 - part
-            if (value > 0.15 && value > best) { best = value; file = $2 }
-        }
-        END { print best, file }' "$TAKEN/good"
-}
-
-keepShore()
-{
-    local value file
-    read -r value file < <(bestShore)
-    if isMore "${value:-0}" "${best[coast]-0}"; then
-        best[coast]=$value
-        cp "$file" "$TAKEN/coast.xwd"
-    fi
-}
-
-takeShore()
-{
-    local game
-    for ((game = 1; game <= SHORE_GAMES && SECONDS < LAST_START; ++game)); do
-        rollToWater
-        keepShore
-        [[ -z ${best[coast]-} ]] || break
-    done
-}
-
 # ---- keeping ------------------------------------------------------------------------------------
 
 keep() # NAME
@@ -374,15 +257,11 @@ lacking=()
 rm -rf "$TAKEN"
 mkdir -p "$TAKEN" "$KEPT"
 trap 'closeDisplay; rm -rf "$TAKEN"' EXIT
-findWater
-broadWater >"$TAKEN/broad"
-takeShore
 while ((SECONDS < LAST_START)); do
     record
-    keepShore
     judge
 done
-for name in landing crowd under-fire coast; do
+for name in landing crowd under-fire; do
     keep "$name"
 done
 keepFilm
